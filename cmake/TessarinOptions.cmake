@@ -1,0 +1,33 @@
+# Options of the build and the compiler settings that every target of this project shares.
+
+option(TESSARIN_TESTS "Build the tests" ON)
+option(TESSARIN_BENCH "Build the benchmarks" OFF)
+option(TESSARIN_FUZZ "Build the fuzzers (Clang only)" OFF)
+option(TESSARIN_WERROR "Treat warnings as errors" OFF)
+set(TESSARIN_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them, or empty")
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+find_program(TESSARIN_CCACHE ccache)
+if(TESSARIN_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${TESSARIN_CCACHE})
+endif()
+
+# tessarin_set_options(<target>): warnings and sanitizers.
+function(tessarin_set_options target)
+  target_compile_options(${target} PRIVATE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+    $<$<BOOL:${TESSARIN_WERROR}>:-Werror>
+    $<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>)
+  if(TESSARIN_SANITIZE)
+    target_compile_options(${target} PUBLIC -fsanitize=${TESSARIN_SANITIZE} -fno-omit-frame-pointer)
+    target_compile_options(${target} PRIVATE -fno-sanitize-recover=all)
+    target_link_options(${target} PUBLIC -fsanitize=${TESSARIN_SANITIZE})
+  endif()
+endfunction()

@@ -1,0 +1,124 @@
+#include "tessarin/foundation/message.hpp"
+
+#include "tessarin/foundation/messages.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace nvf {
+
+namespace {
+
+/// The kinds of a row's arguments as constant data.
+template <ArgumentKind... kinds>
+struct Kinds {
+  static constexpr std::array<ArgumentKind, sizeof...(kinds)> values{kinds...};
+};
+
+constexpr auto catalog = [] {
+  using enum ArgumentKind;
+  return std::to_array<MessageInfo>({
+#define TESSARIN_MESSAGE(family, name, severity, text, ...)                                                            \
+  {TESSARIN_FAMILY_CATALOG_##family, #name, Severity::severity, text, Kinds<__VA_ARGS__>::values},
+#include "tessarin/foundation/messages.def"
+  });
+}();
+
+ustring argumentText(const MessageArgument& argument) {
+  if (const auto* number = std::get_if<long>(&argument)) return widen(std::to_string(*number));
+  return std::get<ustring>(argument);
+}
+
+/// Appends `text` with each `{n}` replaced by the n-th argument.
+void appendFormatted(ustring& out, std::string_view text, const std::vector<MessageArgument>& arguments) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool isHole = text[i] == '{' && i + 2 < text.size() && text[i + 1] >= '1' && text[i + 1] <= '9' &&
+                        text[i + 2] == '}' && static_cast<std::size_t>(text[i + 1] - '1') < arguments.size();
+    if (isHole) {
+      out += argumentText(arguments[static_cast<std::size_t>(text[i + 1] - '1')]);
+      i += 2;
+    } else {
+      out.push_back(static_cast<unsigned char>(text[i]));
+    }
+  }
+}
+
+} // namespace
+
+std::span<const MessageInfo> all_messages() {
+  return catalog;
+}
+
+const MessageInfo* find_message(std::string_view catalogName, std::string_view id) {
+  const auto* row = std::find_if(catalog.begin(), catalog.end(),
+                                 [&](const MessageInfo& info) { return info.id == id && info.catalog == catalogName; });
+  return row == catalog.end() ? nullptr : row;
+}
+
+Severity Message::severity() const {
+  const MessageInfo* info = find_message(id_.catalog, id_.id);
+  return info == nullptr ? Severity::Error : info->severity;
+}
+
+ustring Message::text() const {
+  ustring out;
+  if (const MessageInfo* info = find_message(id_.catalog, id_.id)) {
+    appendFormatted(out, info->text, id_.arguments);
+    return out;
+  }
+  out = widen(id_.catalog + ":" + id_.id);
+  for (const MessageArgument& argument : id_.arguments) out += u" " + argumentText(argument);
+  return out;
+}
+
+ustring Message::fullMessage() const {
+  const MessageInfo* info = find_message(id_.catalog, id_.id);
+  const bool saysWhere = info != nullptr && !info->arguments.empty() && info->arguments[0] == ArgumentKind::Where &&
+                         !id_.arguments.empty();
+  return saysWhere ? argumentText(id_.arguments[0]) + u": " + text() : text();
+}
+
+ustring file_line_message(const Location& location) {
+  const ustring line = decimal(location.lineColumn().line() + 1);
+  return location.fileName().empty() ? u"line " + line : ustring(location.fileName()) + u":" + line;
+}
+
+ustring file_line_column_message(const Location& location) {
+  const ustring column = decimal(location.lineColumn().column() + 1);
+  return file_line_message(location) + (location.fileName().empty() ? u", column " : u":") + column;
+}
+
+Exception::~Exception() = default;
+AttributedException::~AttributedException() = default;
+BadGet::~BadGet() = default;
+
+MessageException::MessageException(const Message& message)
+    : Exception(encode_utf8(message.fullMessage())), message_value_(message) {}
+MessageException::~MessageException() = default;
+
+std::unique_ptr<MessageException> MessageException::clone() const {
+  return std::make_unique<MessageException>(*this);
+}
+
+ustring MessageException::fullMessage() const {
+  ustring text;
+  message_(text);
+  return text;
+}
+
+void MessageException::message_(std::string& text) const {
+  text = what();
+}
+void MessageException::message_(ustring& text) const {
+  text = message_value_.fullMessage();
+}
+
+LocationException::LocationException(const Message& message, Location location, bool showColumn)
+    : Exception(encode_utf8(message.fullMessage())), message_(message), location_(location), showColumn_(showColumn) {}
+LocationException::~LocationException() = default;
+
+ustring LocationException::loc2str(const Location& location, bool showColumn) {
+  return showColumn ? file_line_column_message(location) : file_line_message(location);
+}
+
+} // namespace nvf

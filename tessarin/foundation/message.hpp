@@ -1,0 +1,144 @@
+// Messages: what a user can be told, by catalog, id and arguments, and the exceptions that carry them.
+//
+// The rows of messages.def are the catalog; messages.hpp has a class for each. In the text of a message, and in the
+// string that says where, lines and columns count from 1.
+#pragma once
+
+#include "tessarin/export.hpp"
+#include "tessarin/foundation/exception.hpp"
+#include "tessarin/foundation/location.hpp"
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace nvf {
+
+enum class Severity : unsigned char { Warning, Error };
+
+/// The kind of an argument, as the rows of the catalog name it.
+enum class ArgumentKind : unsigned char { Where, Text, Integer };
+
+/// A row of the catalog.
+struct MessageInfo {
+  std::string_view catalog; ///< such as "kelvane:tessarin:compiler:core:parse"
+  std::string_view id;
+  Severity severity;
+  std::string_view text; ///< with `{n}` for the n-th argument, from 1
+  std::span<const ArgumentKind> arguments;
+};
+
+/// All rows, sorted by family.
+TESSARIN_EXPORT std::span<const MessageInfo> all_messages();
+
+/// The row of a message, or null where the catalog has none.
+TESSARIN_EXPORT const MessageInfo* find_message(std::string_view catalog, std::string_view id);
+
+/// What the names of all catalogs begin with; the rest names the family.
+inline constexpr std::string_view catalogPrefix = "kelvane:tessarin:compiler:core:";
+
+/// The extension of the files in which translations of the catalogs are kept.
+inline constexpr std::string_view catalogExtension = ".kvmsg";
+
+using MessageArgument = std::variant<long, ustring>;
+
+/// A message before it is formatted.
+struct TESSARIN_EXPORT BaseMsgID {
+  std::vector<MessageArgument> arguments;
+  std::string catalog;
+  std::string id;
+  friend bool operator==(const BaseMsgID&, const BaseMsgID&) = default;
+};
+
+/// A message that can be shown.
+class TESSARIN_EXPORT Message {
+public:
+  explicit Message(BaseMsgID id) : id_(std::move(id)) {}
+  /// A message about a place, which tools can read as such.
+  Message(BaseMsgID id, const Location& location) : id_(std::move(id)), location_(location) {}
+
+  [[nodiscard]] const BaseMsgID& id() const noexcept { return id_; }
+  [[nodiscard]] const std::optional<Location>& location() const noexcept { return location_; }
+  /// Of a message that the catalog does not know: `Error`.
+  [[nodiscard]] Severity severity() const;
+  /// The sentence of the catalog with its arguments, without the place. A message that the catalog does not know shows
+  /// its id and its arguments.
+  [[nodiscard]] ustring text() const;
+  /// The place, where the message has one, a colon, and the sentence.
+  [[nodiscard]] ustring fullMessage() const;
+
+private:
+  BaseMsgID id_;
+  std::optional<Location> location_;
+};
+
+/// Says where, without the column: `path:line`, or `line N` where there is no path.
+TESSARIN_EXPORT ustring file_line_message(const Location& location);
+/// Says where, with the column: `path:line:column`, or `line N, column M` where there is no path.
+TESSARIN_EXPORT ustring file_line_column_message(const Location& location);
+
+/// An error without a place.
+class TESSARIN_EXPORT MessageException : public Exception {
+public:
+  explicit MessageException(const Message& message);
+  MessageException(const MessageException&) = default;
+  MessageException(MessageException&&) = default;
+  MessageException& operator=(const MessageException&) = default;
+  MessageException& operator=(MessageException&&) = default;
+  ~MessageException() override;
+
+  [[nodiscard]] const BaseMsgID& id() const noexcept { return message_value_.id(); }
+  [[nodiscard]] const Message& message() const noexcept { return message_value_; }
+  [[nodiscard]] virtual std::unique_ptr<MessageException> clone() const;
+  /// The text of the message.
+  [[nodiscard]] ustring fullMessage() const;
+
+protected:
+  /// Fill in the text that is shown.
+  virtual void message_(std::string& text) const;
+  virtual void message_(ustring& text) const;
+
+private:
+  Message message_value_;
+};
+
+/// An error at a place. The first argument of its message says where, with or without the column.
+class TESSARIN_EXPORT LocationException : public Exception {
+public:
+  LocationException(const Message& message, Location location, bool showColumn);
+  LocationException(const LocationException&) = default;
+  LocationException(LocationException&&) = default;
+  LocationException& operator=(const LocationException&) = default;
+  LocationException& operator=(LocationException&&) = default;
+  ~LocationException() override;
+
+  [[nodiscard]] const BaseMsgID& id() const noexcept { return message_.id(); }
+  [[nodiscard]] const Message& message() const noexcept { return message_; }
+  [[nodiscard]] const Location& location() const noexcept { return location_; }
+  [[nodiscard]] bool showColumn() const noexcept { return showColumn_; }
+  [[nodiscard]] ustring fullMessage() const { return message_.fullMessage(); }
+
+  static ustring loc2str(const Location& location, bool showColumn);
+
+private:
+  Message message_;
+  Location location_;
+  bool showColumn_;
+};
+
+/// The error that carries the message `Msg` at a place; `arguments` follow the place.
+template <class Msg>
+class LocatedError : public LocationException {
+public:
+  template <class... Arguments>
+  LocatedError(const Location& location, bool showColumn, const Arguments&... arguments)
+      : LocationException(Message(Msg(loc2str(location, showColumn), arguments...), location), location, showColumn) {}
+};
+
+} // namespace nvf

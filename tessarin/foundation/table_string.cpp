@@ -1,0 +1,164 @@
+#include "tessarin/foundation/table_string.hpp"
+
+#include <array>
+#include <atomic>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <vector>
+
+namespace nvf::detail {
+
+namespace {
+
+/// Mixes the text eight bytes at a time; the length goes into the seed, so that the padding of the last word is
+/// harmless.
+template <class CharT>
+std::size_t hashText(const CharT* text, std::size_t size) noexcept {
+  std::size_t bytes = size * sizeof(CharT);
+  const char* p = reinterpret_cast<const char*>(text);
+  std::uint64_t seed = bytes;
+  std::uint64_t word = 0;
+  for (; bytes >= sizeof word; bytes -= sizeof word, p += sizeof word) {
+    std::memcpy(&word, p, sizeof word);
+    seed = hash_combine(seed, word);
+  }
+  if (bytes != 0) {
+    word = 0;
+    std::memcpy(&word, p, bytes);
+    seed = hash_combine(seed, word);
+  }
+  return seed;
+}
+
+/// Memory for entries, taken in blocks and given back never.
+class Arena {
+public:
+  void* allocate(std::size_t bytes) {
+    bytes = (bytes + alignment - 1) / alignment * alignment;
+    if (bytes > blockSize / 8) return newBlock(bytes);
+    if (bytes > left_) {
+      next_ = newBlock(blockSize);
+      left_ = blockSize;
+    }
+    void* result = next_;
+    next_ += bytes;
+    left_ -= bytes;
+    return result;
+  }
+
+private:
+  static constexpr std::size_t alignment = alignof(TableEntry);
+  static constexpr std::size_t blockSize = std::size_t{16} * 1024;
+
+  char* newBlock(std::size_t bytes) {
+    blocks_.push_back(std::make_unique<char[]>(bytes));
+    return blocks_.back().get();
+  }
+
+  std::vector<std::unique_ptr<char[]>> blocks_;
+  char* next_ = nullptr;
+  std::size_t left_ = 0;
+};
+
+/// A part of the table with a lock of its own for writers. Readers probe an open-addressed array of atomic pointers: an
+/// array only ever gains entries, and when it is replaced by a larger one the old one stays for those still reading it.
+template <class CharT>
+class Shard {
+public:
+  const TableEntry* intern(const CharT* text, std::size_t size, std::size_t hash) {
+    const Slots* slots = slots_.load(std::memory_order_acquire);
+    if (const TableEntry* found = slots->find(text, size, hash)) return found;
+    return insert(text, size, hash);
+  }
+
+  Shard() { slots_.store(newSlots(64), std::memory_order_release); }
+
+private:
+  struct Slots {
+    std::size_t mask;
+    std::unique_ptr<std::atomic<const TableEntry*>[]> entries;
+
+    explicit Slots(std::size_t capacity)
+        : mask(capacity - 1), entries(std::make_unique<std::atomic<const TableEntry*>[]>(capacity)) {}
+
+    const TableEntry* find(const CharT* text, std::size_t size, std::size_t hash) const noexcept {
+      for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+        const TableEntry* entry = entries[i].load(std::memory_order_acquire);
+        if (entry == nullptr) return nullptr;
+        if (entry->hash == hash && entry->size == size && std::memcmp(entry + 1, text, size * sizeof(CharT)) == 0) {
+          return entry;
+        }
+      }
+    }
+
+    void add(const TableEntry* entry) noexcept {
+      std::size_t i = entry->hash & mask;
+      while (entries[i].load(std::memory_order_relaxed) != nullptr) i = (i + 1) & mask;
+      entries[i].store(entry, std::memory_order_release);
+    }
+  };
+
+  const TableEntry* insert(const CharT* text, std::size_t size, std::size_t hash) {
+    const std::scoped_lock lock(mutex_);
+    Slots* slots = all_.back().get();
+    if (const TableEntry* found = slots->find(text, size, hash)) return found;
+    if (2 * (count_ + 1) > slots->mask + 1) slots = grow(*slots);
+    void* memory = arena_.allocate(sizeof(TableEntry) + (size + 1) * sizeof(CharT));
+    auto* entry = new (memory) TableEntry{hash, size};
+    auto* chars = reinterpret_cast<CharT*>(entry + 1);
+    std::memcpy(chars, text, size * sizeof(CharT));
+    chars[size] = CharT();
+    slots->add(entry);
+    ++count_;
+    return entry;
+  }
+
+  Slots* newSlots(std::size_t capacity) {
+    all_.push_back(std::make_unique<Slots>(capacity));
+    return all_.back().get();
+  }
+
+  Slots* grow(const Slots& old) {
+    Slots* larger = newSlots(2 * (old.mask + 1));
+    for (std::size_t i = 0; i <= old.mask; ++i) {
+      if (const TableEntry* entry = old.entries[i].load(std::memory_order_relaxed)) larger->add(entry);
+    }
+    slots_.store(larger, std::memory_order_release);
+    return larger;
+  }
+
+  std::atomic<const Slots*> slots_ = nullptr;
+  std::mutex mutex_;
+  std::vector<std::unique_ptr<Slots>> all_;
+  std::size_t count_ = 0;
+  Arena arena_;
+};
+
+template <class CharT>
+class Table {
+public:
+  const TableEntry* intern(const CharT* text, std::size_t size) {
+    const std::size_t hash = hashText(text, size);
+    return shards_[hash >> (64 - shardBits)].intern(text, size, hash);
+  }
+
+private:
+  static constexpr unsigned shardBits = 6;
+  std::array<Shard<CharT>, std::size_t{1} << shardBits> shards_;
+};
+
+} // namespace
+
+template <class CharT>
+const TableEntry* intern(const CharT* text, std::size_t size) {
+  // Never destroyed: strings with static storage must stay valid to the last moment of the process.
+  static auto& table = *new Table<CharT>;
+  return table.intern(text, size);
+}
+
+template TESSARIN_EXPORT const TableEntry* intern(const char16_t*, std::size_t);
+template TESSARIN_EXPORT const TableEntry* intern(const char*, std::size_t);
+
+} // namespace nvf::detail

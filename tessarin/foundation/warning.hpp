@@ -1,0 +1,48 @@
+// The sink of warnings.
+#pragma once
+
+#include "tessarin/export.hpp"
+#include "tessarin/foundation/message.hpp"
+
+#include <functional>
+
+namespace nvf {
+
+using WarningSink = std::function<void(const Message&)>;
+
+/// Where warnings go: the innermost `ScopedWarningSink` of the thread, or else the sink of the process, which writes
+/// them to standard error unless a host has replaced it. Processing goes on after a warning, unless the sink throws.
+class TESSARIN_EXPORT Warning {
+public:
+  static Warning& get();
+
+  void issueWarning(const Message& message);
+  /// Replaces the sink of the process and returns the former one; an empty one stands for the default. Safe from any
+  /// thread; a warning that is on its way still goes to the sink that it found.
+  WarningSink sink(WarningSink sink);
+
+private:
+  Warning() = default;
+};
+
+/// Collects the warnings of this thread while it lives. Scopes nest.
+class TESSARIN_EXPORT ScopedWarningSink {
+public:
+  explicit ScopedWarningSink(WarningSink sink);
+  ~ScopedWarningSink();
+  ScopedWarningSink(const ScopedWarningSink&) = delete;
+  ScopedWarningSink& operator=(const ScopedWarningSink&) = delete;
+
+private:
+  friend class Warning;
+  WarningSink sink_;
+  ScopedWarningSink* outer_;
+};
+
+/// Issues the warning `Msg` at a place; `arguments` follow the place, which is said without its column.
+template <class Msg, class... Arguments>
+void file_line_warning(const Location& location, const Arguments&... arguments) {
+  Warning::get().issueWarning(Message(Msg(file_line_message(location), arguments...), location));
+}
+
+} // namespace nvf

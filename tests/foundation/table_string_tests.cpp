@@ -1,0 +1,80 @@
+#include "tessarin/foundation/table_string.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using nvf::Ordering;
+using UString = nvf::BasicTableString<char16_t>;
+using NString = nvf::BasicTableString<char>;
+
+TEST(TableString, EqualTextsShareOneEntry) {
+  const std::u16string text = u"resistance";
+  const UString a(text.c_str());
+  const UString b(text.data(), text.size());
+  EXPECT_EQ(a.data(), b.data());
+  EXPECT_TRUE(a.equal_(b));
+  EXPECT_EQ(a, text);
+  EXPECT_EQ(std::u16string(a), text);
+  EXPECT_EQ(a.data()[a.size()], u'\0');
+  EXPECT_NE(a, UString(u"Resistance"));
+}
+
+TEST(TableString, TheEmptyStringIsTheDefault) {
+  for (const UString& empty : {UString(), UString(u""), UString(nullptr, 0), UString(u"abc", 0)}) {
+    EXPECT_EQ(empty, UString());
+    EXPECT_TRUE(empty.empty());
+    EXPECT_EQ(empty.size(), 0U);
+    EXPECT_EQ(*empty.data(), u'\0');
+    EXPECT_EQ(empty.begin(), empty.end());
+    EXPECT_EQ(empty.hash(), 0U);
+  }
+}
+
+TEST(TableString, HoldsAnyCodeUnit) {
+  const std::u16string text{u'a', u'\0', u'\xd800', u'\xffff'};
+  const UString interned(text);
+  EXPECT_EQ(interned.size(), 4U);
+  EXPECT_EQ(interned, text);
+  EXPECT_NE(interned, UString(u"a"));
+}
+
+TEST(TableString, OrdersByUnitAPrefixBeingLess) {
+  const std::vector<std::string> sorted{"", "\x80", "\xff", "A", "B", "a", "aa", "ab", "b"};
+  for (std::size_t i = 0; i < sorted.size(); ++i) {
+    for (std::size_t j = 0; j < sorted.size(); ++j) {
+      const Ordering expected = i < j ? Ordering::Less : i > j ? Ordering::Greater : Ordering::Equal;
+      EXPECT_EQ(NString(sorted[i]).compare_(NString(sorted[j])), expected) << i << ' ' << j;
+    }
+  }
+}
+
+TEST(TableString, ThreadsAgreeOnEntries) {
+  constexpr std::size_t count = 20'000; // enough for the table to grow while others read
+  const auto internAll = [](std::vector<UString>& strings) {
+    for (std::size_t i = 0; i < count; ++i) strings.emplace_back(u"t_" + nvf::decimal(i % (count / 2)));
+  };
+  std::vector<std::vector<UString>> byThread(4);
+  std::vector<std::thread> threads;
+  for (auto& strings : byThread) threads.emplace_back(internAll, std::ref(strings));
+  for (std::thread& thread : threads) thread.join();
+  for (std::size_t i = 0; i < count; ++i) {
+    EXPECT_EQ(byThread[0][i], u"t_" + nvf::decimal(i % (count / 2)));
+    for (const auto& strings : byThread) ASSERT_EQ(strings[i].data(), byThread[0][i].data());
+  }
+}
+
+TEST(TableString, LongTextsAreKeptWhole) {
+  for (const std::size_t size : {std::size_t{1023}, std::size_t{10'000}, std::size_t{1'000'000}}) {
+    std::u16string text(size, u'x');
+    text.back() = u'y';
+    EXPECT_EQ(UString(text), text);
+    EXPECT_EQ(UString(text).data(), UString(text).data());
+  }
+}
+
+} // namespace
