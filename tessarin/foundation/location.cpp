@@ -22,8 +22,9 @@ void incorporate_data(DigestSink& sink, const Location& l) {
 }
 
 std::ostream& operator<<(std::ostream& stream, const Location& l) {
+  stream << '(';
   if (!l.fileName_.empty()) stream << l.fileName_.native().view() << ':';
-  return stream << l.lineColumn_.line() + 1 << ':' << l.lineColumn_.column() + 1;
+  return stream << l.lineColumn_.line() + 1 << ':' << l.lineColumn_.column() + 1 << ')';
 }
 
 Range Range::operator+(const Range& other) const noexcept {

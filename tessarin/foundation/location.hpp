@@ -84,7 +84,7 @@ public:
   friend TESSARIN_EXPORT std::size_t hash_value(const Location& l) noexcept;
   /// Feeds the bytes of the path as one piece, then line and column as 8 bytes each, most significant first.
   friend TESSARIN_EXPORT void incorporate_data(DigestSink& sink, const Location& l);
-  /// Writes `path:line:column`, the numbers from 1; without a path, `line:column`.
+  /// Writes `(path:line:column)`, the numbers from 1; without a path, `(line:column)`.
   friend TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const Location& l);
   friend void swap(Location& a, Location& b) noexcept { std::swap(a, b); }
 

@@ -1,7 +1,5 @@
 #include "tessarin/foundation/text.hpp"
 
-#include "tessarin/foundation/hash.hpp"
-
 #include <algorithm>
 #include <array>
 #include <locale>
@@ -13,6 +11,10 @@ std::size_t hash_value(ustring_view text) noexcept {
   std::uint64_t seed = 0;
   for (const char16_t unit : text) seed = hash_combine(seed, unit);
   return seed;
+}
+
+void incorporate_data(DigestSink& sink, ustring_view text) {
+  for (const char16_t unit : text) feed_bytes<2>(sink, unit);
 }
 
 namespace {
@@ -148,6 +150,12 @@ std::string to_string(const ustring& text) {
 ustring widen(std::string_view ascii) {
   ustring out(ascii.size(), u'\0');
   std::transform(ascii.begin(), ascii.end(), out.begin(), [](char c) { return static_cast<unsigned char>(c); });
+  return out;
+}
+
+std::string narrow(ustring_view text) {
+  std::string out(text.size(), '\0');
+  std::transform(text.begin(), text.end(), out.begin(), [](char16_t unit) { return static_cast<char>(unit & 0xffU); });
   return out;
 }
 

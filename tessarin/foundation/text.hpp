@@ -5,6 +5,7 @@
 #pragma once
 
 #include "tessarin/export.hpp"
+#include "tessarin/foundation/hash.hpp"
 
 #include <cstddef>
 #include <iosfwd>
@@ -21,6 +22,9 @@ using ustring_view = std::u16string_view;
 
 /// The hash of a `ustring`: the mixing step over its code units from 0, the same on every machine.
 TESSARIN_EXPORT std::size_t hash_value(ustring_view text) noexcept;
+
+/// Feeds each code unit as 2 bytes, most significant first, one piece a unit.
+TESSARIN_EXPORT void incorporate_data(DigestSink& sink, ustring_view text);
 
 /// Thrown by `decode_utf8` for bytes that are not UTF-8.
 class TESSARIN_EXPORT InvalidUtf8 : public std::runtime_error {
@@ -53,6 +57,9 @@ TESSARIN_EXPORT std::string to_string(const ustring& text);
 /// Widens ASCII text. Bytes above 127 are widened as they stand.
 TESSARIN_EXPORT ustring widen(std::string_view ascii);
 
+/// Narrows text byte by byte: of each code unit the low byte is kept, so that ASCII text stays what it is.
+TESSARIN_EXPORT std::string narrow(ustring_view text);
+
 /// The number in decimal digits.
 TESSARIN_EXPORT ustring decimal(std::size_t number);
 
@@ -62,8 +69,8 @@ TESSARIN_EXPORT void to_ascii(std::ostream& stream, char16_t unit);
 /// The text with "A" to "Z" in lower case; other bytes stay.
 TESSARIN_EXPORT std::string lower(const std::string& text);
 
-/// Sets a UTF-16 stream to the classic locale, whatever the locale of the process. The standard library has no facets that
-/// write numbers to such a stream: `decimal` does that.
+/// Sets a UTF-16 stream to the classic locale, whatever the locale of the process. The standard library has no facets
+/// that write numbers to such a stream: `decimal` does that.
 TESSARIN_EXPORT void setup_stream_locale(std::basic_ostringstream<char16_t>& stream);
 
 /// Thrown where text that must be ASCII is not.

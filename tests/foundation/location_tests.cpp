@@ -55,7 +55,7 @@ TEST(Location, DigestAndText) {
 
   std::ostringstream stream;
   stream << at("m.tsn", 0, 4) << ' ' << at("", 2, 0);
-  EXPECT_EQ(stream.str(), "m.tsn:1:5 3:1");
+  EXPECT_EQ(stream.str(), "(m.tsn:1:5) (3:1)");
 }
 
 TEST(Location, BuffersShowTheirLines) {

@@ -1,0 +1,61 @@
+// Text that has passed a check: the common part of identifiers, numbers, units and message ids.
+#pragma once
+
+#include "tessarin/foundation/hash.hpp"
+#include "tessarin/foundation/table_string.hpp"
+#include "tessarin/foundation/text.hpp"
+
+#include <compare>
+#include <concepts>
+#include <cstddef>
+#include <functional>
+#include <ostream>
+#include <string>
+
+namespace nvf {
+
+/// The base of the class `Derived` of ASCII texts that only a check can make. One pointer wide; equality compares
+/// pointers. Safe to read from several threads.
+template <class Derived>
+class CheckedText {
+public:
+  using Text = BasicTableString<char16_t>;
+
+  [[nodiscard]] const Text& text() const noexcept { return text_; }
+  [[nodiscard]] ustring_view view() const noexcept { return text_.view(); }
+  [[nodiscard]] ustring string() const { return text_; }
+  [[nodiscard]] const char16_t* data() const noexcept { return text_.data(); }
+  [[nodiscard]] std::size_t size() const noexcept { return text_.size(); }
+  [[nodiscard]] bool empty() const noexcept { return text_.empty(); }
+
+  friend bool operator==(const CheckedText&, const CheckedText&) noexcept = default;
+  /// The order of the bytes, a prefix being less.
+  friend std::strong_ordering operator<=>(const CheckedText& a, const CheckedText& b) noexcept {
+    return a == b ? std::strong_ordering::equal : a.view() <=> b.view();
+  }
+  friend Ordering compare(const CheckedText& a, const CheckedText& b) noexcept { return order(a, b); }
+  friend std::size_t hash_value(const CheckedText& t) noexcept { return t.text_.hash(); }
+  /// Feeds one byte a character, all as one piece.
+  friend void incorporate_data(DigestSink& sink, const CheckedText& t) {
+    const std::string bytes = narrow(t.view());
+    sink(bytes.data(), bytes.size());
+  }
+  friend void swap(CheckedText& a, CheckedText& b) noexcept { swap(a.text_, b.text_); }
+  friend std::ostream& operator<<(std::ostream& stream, const CheckedText& t) { return stream << narrow(t.view()); }
+  friend ustring dump_text(const CheckedText& t) { return t.string(); }
+
+protected:
+  CheckedText() noexcept = default;
+  explicit CheckedText(Text text) noexcept : text_(text) {}
+
+private:
+  Text text_;
+};
+
+} // namespace nvf
+
+template <class T>
+requires std::derived_from<T, nvf::CheckedText<T>>
+struct std::hash<T> {
+  std::size_t operator()(const T& t) const noexcept { return hash_value(t); }
+};
