@@ -1,0 +1,241 @@
+// The parse tree: a value that holds either a token or a kind and an ordered list of children.
+//
+// A `ParseTree` is a cheap handle; copies share the node. Nodes hold no pointer into the source. A node takes one
+// allocation, and knows its first and last token. All operations are linear and work on trees of any depth on a small
+// stack.
+#pragma once
+
+#include "tessarin/export.hpp"
+#include "tessarin/foundation/hash.hpp"
+#include "tessarin/foundation/identifier.hpp"
+#include "tessarin/foundation/location.hpp"
+#include "tessarin/foundation/shared_block.hpp"
+#include "tessarin/parser/lex/Token.hpp"
+#include "tessarin/parser/parse/NonTerminal.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <iosfwd>
+#include <memory>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tessarin::compiler::core {
+
+class ParseTree;
+
+/// Sees the tokens of a tree from left to right.
+class TESSARIN_EXPORT ParseTreeVisitor {
+public:
+  virtual ~ParseTreeVisitor();
+  /// Whether the visitor wants tokens of this code.
+  virtual bool wantsToken(TokenId::Value code) = 0;
+  virtual void visitToken(const Token& token) = 0;
+};
+
+/// A node of a parse tree. Asking a node for what its type does not have is a fatal diagnostic: ask for `type()` first.
+class TESSARIN_EXPORT ParseTreeData : public nvf::SharedBlock {
+public:
+  ~ParseTreeData() override;
+  /// 0 for a terminal, 1 for a non-terminal.
+  [[nodiscard]] virtual std::int32_t type() const noexcept = 0;
+  /// The token of a terminal.
+  [[nodiscard]] virtual const Token& token() const = 0;
+  /// The kind of a non-terminal.
+  [[nodiscard]] virtual NonTerminal::Value code() const = 0;
+  /// The number of children of a non-terminal.
+  [[nodiscard]] virtual std::size_t count() const = 0;
+  /// The `i`-th child of a non-terminal, from 0; `i` is not checked.
+  [[nodiscard]] virtual const ParseTree& child(std::size_t i) const = 0;
+  /// A non-terminal of the same kind without its last `n` children; without any where there are fewer.
+  [[nodiscard]] virtual ParseTree trim(std::size_t n) const = 0;
+  virtual void visit(ParseTreeVisitor& visitor) const = 0;
+  /// The first and the last token below; null where there is none.
+  [[nodiscard]] virtual const Token* left() const noexcept = 0;
+  [[nodiscard]] virtual const Token* right() const noexcept = 0;
+  [[nodiscard]] virtual bool equal(const ParseTreeData& other) const = 0;
+  /// By type, then as the typed nodes compare.
+  [[nodiscard]] virtual Ordering compare(const ParseTreeData& other) const = 0;
+  [[nodiscard]] virtual std::unique_ptr<ParseTreeData> clone() const = 0;
+  virtual void out(std::ostream& stream, std::size_t indent) const = 0;
+  [[nodiscard]] virtual std::size_t hash_value() const = 0;
+  virtual void incorporate_data(DigestSink& sink) const = 0;
+  virtual void strip_annotation_inplace() = 0;
+
+protected:
+  ParseTreeData() noexcept = default;
+  ParseTreeData(const ParseTreeData&) noexcept = default;
+};
+
+/// Leads the operations with another node to those with one of the same class.
+template <class Derived>
+class ParseTreeDataShim : public ParseTreeData {
+public:
+  [[nodiscard]] bool equal(const ParseTreeData& other) const final {
+    const auto* same = dynamic_cast<const Derived*>(&other);
+    return same != nullptr && equal(*same);
+  }
+  [[nodiscard]] Ordering compare(const ParseTreeData& other) const final {
+    if (type() != other.type()) return nvf::order(type(), other.type());
+    return compare(static_cast<const Derived&>(other));
+  }
+  [[nodiscard]] virtual bool equal(const Derived& other) const = 0;
+  [[nodiscard]] virtual Ordering compare(const Derived& other) const = 0;
+};
+
+/// The handle.
+class TESSARIN_EXPORT ParseTree {
+public:
+  /// What a default handle holds: a terminal with a default token.
+  static const ParseTree DEFAULT_DATA;
+
+  ParseTree() noexcept = default;
+  explicit ParseTree(const Token& token);
+  /// A node with copies of `n` handles; `first` may be null where `n` is 0.
+  ParseTree(NonTerminal::Value kind, const ParseTree* first, std::size_t n);
+  ParseTree(NonTerminal::Value kind, const std::vector<ParseTree>& children);
+
+  [[nodiscard]] const ParseTreeData* data() const noexcept { return data_ ? &*data_ : defaultData(); }
+  /// A node that only this handle owns: it is copied first where others share it.
+  [[nodiscard]] ParseTreeData* data();
+
+  [[nodiscard]] std::int32_t type() const noexcept { return data()->type(); }
+  [[nodiscard]] const Token& token() const { return data()->token(); }
+  [[nodiscard]] NonTerminal::Value code() const { return data()->code(); }
+  [[nodiscard]] std::size_t count() const { return data()->count(); }
+  [[nodiscard]] const ParseTree& child(std::size_t i) const { return data()->child(i); }
+  /// Whether it is a terminal with this token code.
+  [[nodiscard]] bool isTerminalType(TokenId::Value code) const { return type() == 0 && token().code() == code; }
+  /// Whether it is a non-terminal of this kind.
+  [[nodiscard]] bool isNonTerminalType(NonTerminal::Value kind) const { return type() == 1 && code() == kind; }
+  [[nodiscard]] const Token* left() const noexcept { return data()->left(); }
+  [[nodiscard]] const Token* right() const noexcept { return data()->right(); }
+  /// The location of `left()`; there must be one.
+  [[nodiscard]] const nvf::Location& location() const noexcept { return left()->location(); }
+  /// The line of the location, from 0.
+  [[nodiscard]] std::size_t line() const noexcept { return location().lineColumn().line(); }
+  [[nodiscard]] ParseTree trim(std::size_t n) const { return data()->trim(n); }
+  /// A node of the same kind in which all nested nodes of that kind are replaced by what they hold.
+  [[nodiscard]] ParseTree roll() const;
+  void visit(ParseTreeVisitor& visitor) const { data()->visit(visitor); }
+  /// Whether kinds and tokens are the same; places do not count.
+  [[nodiscard]] bool equal(const ParseTree& other) const;
+  /// Writes the tree as an indented listing, one node a line.
+  void out(std::ostream& stream, std::size_t indent) const { data()->out(stream, indent); }
+  /// What `operator<<` writes; the argument is ignored, intended.
+  [[nodiscard]] std::string getText(std::size_t ignored) const;
+
+  friend void swap(ParseTree& a, ParseTree& b) noexcept { std::swap(a.data_, b.data_); }
+
+private:
+  friend class NonTerminalData;
+  friend class ParseTreeBuilder;
+  explicit ParseTree(ParseTreeData* data) noexcept : data_(data) {}
+  static const ParseTreeData* defaultData() noexcept;
+
+  // Empty stands for the default node, which thus needs no count that all threads would have to share.
+  nvf::SharedPtr<ParseTreeData> data_;
+};
+
+/// Appends to `out`, in order, what `tree` holds that is no node of `kind`: the step that `roll` takes.
+TESSARIN_EXPORT void roll(NonTerminal::Value kind, const ParseTree& tree, std::vector<ParseTree>& out);
+
+/// A leaf.
+class TESSARIN_EXPORT TerminalData final : public ParseTreeDataShim<TerminalData> {
+public:
+  explicit TerminalData(const Token& token) : token_(token) {}
+  TerminalData(const TerminalData&) = default;
+  ~TerminalData() override;
+
+  using ParseTreeDataShim::compare;
+  using ParseTreeDataShim::equal;
+  [[nodiscard]] std::int32_t type() const noexcept override { return 0; }
+  [[nodiscard]] const Token& token() const override { return token_; }
+  [[nodiscard]] NonTerminal::Value code() const override;
+  [[nodiscard]] std::size_t count() const override;
+  [[nodiscard]] const ParseTree& child(std::size_t i) const override;
+  [[nodiscard]] ParseTree trim(std::size_t n) const override;
+  void visit(ParseTreeVisitor& visitor) const override;
+  [[nodiscard]] const Token* left() const noexcept override { return &token_; }
+  [[nodiscard]] const Token* right() const noexcept override { return &token_; }
+  [[nodiscard]] std::unique_ptr<ParseTreeData> clone() const override;
+  void out(std::ostream& stream, std::size_t indent) const override;
+  [[nodiscard]] std::size_t hash_value() const override;
+  void incorporate_data(DigestSink& sink) const override;
+  void strip_annotation_inplace() override;
+  [[nodiscard]] bool equal(const TerminalData& other) const override { return token_.equal(other.token_); }
+  [[nodiscard]] Ordering compare(const TerminalData& other) const override;
+
+private:
+  Token token_;
+};
+
+/// An inner node. The children follow it in memory.
+class TESSARIN_EXPORT NonTerminalData final : public ParseTreeDataShim<NonTerminalData> {
+public:
+  NonTerminalData(const NonTerminalData&) = delete;
+  ~NonTerminalData() override;
+
+  using ParseTreeDataShim::compare;
+  using ParseTreeDataShim::equal;
+  [[nodiscard]] std::int32_t type() const noexcept override { return 1; }
+  [[nodiscard]] const Token& token() const override;
+  [[nodiscard]] NonTerminal::Value code() const override { return kind_; }
+  [[nodiscard]] std::size_t count() const override { return count_; }
+  [[nodiscard]] const ParseTree& child(std::size_t i) const override { return children()[i]; }
+  [[nodiscard]] ParseTree trim(std::size_t n) const override;
+  void visit(ParseTreeVisitor& visitor) const override;
+  [[nodiscard]] const Token* left() const noexcept override { return left_; }
+  [[nodiscard]] const Token* right() const noexcept override { return right_; }
+  [[nodiscard]] std::unique_ptr<ParseTreeData> clone() const override;
+  void out(std::ostream& stream, std::size_t indent) const override;
+  [[nodiscard]] std::size_t hash_value() const override;
+  void incorporate_data(DigestSink& sink) const override;
+  void strip_annotation_inplace() override;
+  [[nodiscard]] bool equal(const NonTerminalData& other) const override;
+  [[nodiscard]] Ordering compare(const NonTerminalData& other) const override;
+
+  [[nodiscard]] std::span<const ParseTree> children() const noexcept {
+    return {reinterpret_cast<const ParseTree*>(this + 1), count_};
+  }
+  /// How deep nodes nest here, this one counting as 1; see `maxNesting`.
+  [[nodiscard]] std::uint32_t depth() const noexcept { return depth_; }
+
+  static void operator delete(void* memory) noexcept { ::operator delete(memory); }
+
+private:
+  friend class ParseTree;
+  friend class ParseTreeBuilder;
+
+  NonTerminalData(NonTerminal::Value kind, std::uint32_t capacity) noexcept : kind_(kind), capacity_(capacity) {}
+  /// An empty node with room for `capacity` children.
+  static NonTerminalData* make(NonTerminal::Value kind, std::size_t capacity);
+  [[nodiscard]] bool hasRoom() const noexcept { return count_ < capacity_; }
+  [[nodiscard]] ParseTree* room() noexcept { return reinterpret_cast<ParseTree*>(this + 1); }
+  void append(ParseTree&& child) noexcept;
+  void findEnds() noexcept;
+
+  NonTerminal::Value kind_;
+  std::uint32_t depth_ = 1;
+  std::uint32_t count_ = 0;
+  std::uint32_t capacity_;
+  const Token* left_ = nullptr;
+  const Token* right_ = nullptr;
+};
+
+TESSARIN_EXPORT Ordering compare(const ParseTree& a, const ParseTree& b);
+/// Of a leaf, that of its token; of an inner node, of its kind and its children.
+TESSARIN_EXPORT std::size_t hash_value(const ParseTree& tree);
+/// Feeds a node's kind as 4 bytes and then its children, a leaf's token.
+TESSARIN_EXPORT void incorporate_data(DigestSink& sink, const ParseTree& tree);
+/// Takes the places out of the tokens of this tree; trees that share nodes with it stay as they are.
+TESSARIN_EXPORT void strip_annotation_inplace(ParseTree& tree);
+TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const ParseTree& tree);
+
+/// The dotted name that a tree of the statement language spells: `a.b` of `a.b(1).c`, for a subscript ends it. Empty
+/// where the tree begins with no name.
+TESSARIN_EXPORT nvf::BasicCxIdPath<0> dot_path(const ParseTree& tree);
+
+} // namespace tessarin::compiler::core

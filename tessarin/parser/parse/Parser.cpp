@@ -1,0 +1,34 @@
+#include "tessarin/parser/parse/Parser.hpp"
+
+#include "grammar.hpp"
+
+#include <stdexcept>
+
+namespace tessarin::compiler::core {
+
+Parser::Parser(nvf::SourceBuffer buffer) : state_(std::make_unique<ParserState>(std::move(buffer))) {}
+Parser::Parser(const nvf::AsciiString& text, nvf::FileName name)
+    : Parser(nvf::SourceBuffer(name, nvf::ustring_view(text.text()))) {}
+Parser::Parser(Parser&&) noexcept = default;
+Parser& Parser::operator=(Parser&&) noexcept = default;
+Parser::~Parser() = default;
+
+void Parser::markupListener(const MarkupListener& listener) {
+  impl().lexer.markupListener(listener);
+}
+void Parser::tokenListener(std::function<void(const Token&)> listener) {
+  impl().tokenListener.swap(listener);
+}
+
+ParseTree Parser::parse() {
+  Actions actions(impl());
+  TSNParser(actions).parse();
+  return state_->result;
+}
+
+ParserState& Parser::impl() {
+  if (!state_) throw std::logic_error("a parser is used that has been moved from");
+  return *state_;
+}
+
+} // namespace tessarin::compiler::core

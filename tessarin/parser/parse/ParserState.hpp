@@ -1,0 +1,43 @@
+// What the driver, the actions and the messages of a parse share.
+#pragma once
+
+#include "tessarin/foundation/message.hpp"
+#include "tessarin/parser/lex/Lexer.hpp"
+#include "tessarin/parser/parse/ParseTree.hpp"
+
+#include <functional>
+#include <utility>
+
+namespace tessarin::compiler::core {
+
+struct ParserState {
+  explicit ParserState(nvf::SourceBuffer buffer) : lexer(std::move(buffer)) {}
+
+  ParseTree result; ///< the tree of the file, once a rule has completed it
+  Lexer lexer;
+  Token current;                                      ///< the last token handed to the parser
+  nvf::BasicTableString<char16_t> lastClosedFunction; ///< the function that `end` closed last
+  int functionDepth = 0;                              ///< open functions of the statement language
+  bool inEquations = false;                           ///< from the header of an equations block to its end
+  std::function<void(const Token&)> tokenListener;
+
+  /// Hands the next token to the parser.
+  const Token& nextToken() {
+    Token token = lexer.next();
+    if (tokenListener) tokenListener(token);
+    return current = std::move(token);
+  }
+
+  /// Where a message about a tree is placed: at its first token, or, where it has none, at the current one.
+  [[nodiscard]] const nvf::Location& place(const ParseTree& tree) const noexcept {
+    return (tree.left() != nullptr ? *tree.left() : current).location();
+  }
+};
+
+/// Raises the message `Msg` of the parse family at a place; these messages show the column.
+template <class Msg, class... Arguments>
+[[noreturn]] void raise(const nvf::Location& location, const Arguments&... arguments) {
+  throw nvf::LocatedError<Msg>(location, true, arguments...);
+}
+
+} // namespace tessarin::compiler::core
