@@ -1,0 +1,257 @@
+// The expression kinds that contain expressions, but for references.
+#pragma once
+
+#include "tessarin/parser/ast/Literal.hpp"
+#include "tessarin/parser/ast/Reference.hpp"
+#include "tessarin/parser/lex/Token.hpp"
+#include "tessarin/parser/parse/NonTerminal.hpp"
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tessarin::compiler::core {
+
+class EqnItem;
+using EqnItemHandle = nvf::Handle<EqnItem>;
+
+/// The keyword `time`. All are equal.
+class TESSARIN_EXPORT Time : public nvf::TupleWrapper<Time*, IgnoredRange> {
+public:
+  Time() = default;
+  explicit Time(const Token& token) : TupleWrapper(IgnoredRange(token.range())) {}
+};
+
+/// The `end` of an index. All are equal.
+class TESSARIN_EXPORT EndIndex : public nvf::TupleWrapper<EndIndex*, IgnoredRange> {
+public:
+  EndIndex() = default;
+  explicit EndIndex(const Token& token) : TupleWrapper(IgnoredRange(token.range())) {}
+};
+
+/// `{expr, 'unit'}`.
+class TESSARIN_EXPORT UnitExpr : public nvf::TupleWrapper<UnitExpr*, ExprHandle, UnitLiteral, IgnoredRange> {
+public:
+  UnitExpr(const Expr& expr, const UnitLiteral& unit, const nvf::Range& range) : TupleWrapper(expr, unit, range) {}
+  [[nodiscard]] const Expr& expr() const noexcept { return get<0>().get(); }
+  [[nodiscard]] const UnitLiteral& unit() const noexcept { return get<1>(); }
+};
+
+/// `value(expr, 'unit')` or `value(expr, 'unit', 'conversion')`.
+class TESSARIN_EXPORT ValueExpr
+    : public nvf::TupleWrapper<ValueExpr*, ExprHandle, UnitLiteral, std::optional<StringLiteral>, IgnoredRange> {
+public:
+  ValueExpr(const Expr& expr, const UnitLiteral& unit, const nvf::Range& range)
+      : TupleWrapper(expr, unit, std::nullopt, range) {}
+  ValueExpr(const Expr& expr, const UnitLiteral& unit, const StringLiteral& conversion, const nvf::Range& range)
+      : TupleWrapper(expr, unit, conversion, range) {}
+  [[nodiscard]] const Expr& expr() const noexcept { return get<0>().get(); }
+  [[nodiscard]] const UnitLiteral& unit() const noexcept { return get<1>(); }
+  [[nodiscard]] const std::optional<StringLiteral>& conversion() const noexcept { return get<2>(); }
+};
+
+/// `[a, b; c, d]`. Rows may differ in length and may be empty; no rows and one empty row are two values.
+class TESSARIN_EXPORT MatrixExpr : public nvf::TupleWrapper<MatrixExpr*, std::vector<std::vector<Expr>>, IgnoredRange> {
+public:
+  using Row = std::vector<Expr>;
+
+  MatrixExpr(const std::vector<Row>& rows, const nvf::Range& range) : TupleWrapper(rows, range) {}
+  [[nodiscard]] const std::vector<Row>& rows() const noexcept { return get<0>(); }
+  [[nodiscard]] std::size_t numOfRows() const noexcept;
+  /// Throws `std::out_of_range` where there is no such row.
+  [[nodiscard]] const Row& row(std::size_t row) const;
+  [[nodiscard]] const Expr& element(std::size_t row, std::size_t column) const;
+};
+
+/// `name = value`. The default has the ident "x" and the default expression.
+class TESSARIN_EXPORT IdentValuePair
+    : public nvf::TupleWrapper<IdentValuePair*, Ident, ExprHandle, detail::IgnoreValue<nvf::Location>> {
+public:
+  IdentValuePair();
+  /// `rightLocation` is the place of the pair's last token.
+  IdentValuePair(const Ident& ident, const Expr& value, const nvf::Location& rightLocation);
+  [[nodiscard]] const Ident& ident() const noexcept { return get<0>(); }
+  [[nodiscard]] const Expr& value() const noexcept { return get<1>().get(); }
+  [[nodiscard]] const nvf::Location& rightLocation() const noexcept { return get<2>(); }
+  /// The place of the ident.
+  [[nodiscard]] nvf::Location location() const { return ident().location(); }
+  /// `name = value`, both in the default form.
+  [[nodiscard]] ustring string() const;
+};
+
+/// `{name = value, …}`.
+class TESSARIN_EXPORT FieldValueArrayExpr
+    : public nvf::TupleWrapper<FieldValueArrayExpr*, nvf::Expressions<IdentValuePair>, IgnoredRange> {
+public:
+  FieldValueArrayExpr(const nvf::Expressions<IdentValuePair>& pairs, const nvf::Range& range)
+      : TupleWrapper(pairs, range) {}
+  [[nodiscard]] const nvf::Expressions<IdentValuePair>& pairList() const noexcept { return get<0>(); }
+  [[nodiscard]] std::size_t numPairs() const noexcept { return pairList().size(); }
+  [[nodiscard]] const IdentValuePair& pair(std::size_t i) const { return pairList()[i]; }
+};
+
+/// The operators, in the order of operators.def.
+enum class OpExprType : int {
+#define TESSARIN_OPERATOR(name, image, arity, precedence) name,
+#include "tessarin/parser/ast/operators.def"
+};
+
+/// An operator with its operands.
+class TESSARIN_EXPORT OpExpr : public nvf::TupleWrapper<OpExpr*, OpExprType, std::vector<Expr>, IgnoredRange> {
+public:
+  /// The number of operands is not checked against the operator.
+  OpExpr(OpExprType type, const Expr& operand, const nvf::Range& range);
+  OpExpr(OpExprType type, const Expr& left, const Expr& right, const nvf::Range& range);
+  OpExpr(OpExprType type, const Expr& first, const Expr& second, const Expr& third, const nvf::Range& range);
+  OpExpr(OpExprType type, const std::vector<Expr>& operands, const nvf::Range& range);
+
+  [[nodiscard]] OpExprType opType() const noexcept { return get<0>(); }
+  /// A lower number binds tighter.
+  [[nodiscard]] std::size_t precedence() const;
+  /// The number of operands that the operator takes.
+  [[nodiscard]] std::size_t arity() const;
+  [[nodiscard]] const std::vector<Expr>& operands() const noexcept { return get<1>(); }
+  [[nodiscard]] std::size_t numOfOperands() const noexcept;
+  /// The `i`-th operand; `i` is not checked.
+  [[nodiscard]] const Expr& operandAt(std::size_t i) const noexcept;
+
+  /// How the operator is written.
+  static ustring typeString(OpExprType type);
+  /// The operator whose node in a parse tree has this code; -1 where there is none.
+  static OpExprType operatorType(NonTerminal::Value code);
+};
+
+/// Selects one of the several results of a call. `rvIndex` is not checked against `numRvs`.
+class TESSARIN_EXPORT MRVIndex
+    : public nvf::TupleWrapper<MRVIndex*, ExprHandle, std::size_t, std::size_t, IgnoredRange> {
+public:
+  MRVIndex(const Expr& expr, const std::size_t& rvIndex, const std::size_t& numRvs, const nvf::Range& range)
+      : TupleWrapper(expr, rvIndex, numRvs, range) {}
+  [[nodiscard]] const Expr& expr() const noexcept { return get<0>().get(); }
+  [[nodiscard]] std::size_t rvIndex() const noexcept { return get<1>(); }
+  [[nodiscard]] std::size_t numRvs() const noexcept { return get<2>(); }
+  /// "internal_mrv_index__".
+  static const nvf::CxId& ctor();
+};
+
+/// An expression of a modechart with the condition under which it holds. Its range is that of the expression.
+class TESSARIN_EXPORT TransitionExpr : public nvf::TupleWrapper<TransitionExpr, ExprHandle, ExprHandle> {
+public:
+  TransitionExpr(const Expr& expr, const Expr& preCondition) : TupleWrapper(expr, preCondition) {}
+  [[nodiscard]] const Expr& expr() const noexcept { return get<0>().get(); }
+  [[nodiscard]] const Expr& preCondition() const noexcept { return get<1>().get(); }
+  [[nodiscard]] nvf::Range range() const;
+  /// "internal_transition_expr__".
+  static const nvf::CxId& ctor();
+};
+
+/// `x = e` or `[a, ~, b] = e`: a declaration of a `let`, of a function or of a block.
+class TESSARIN_EXPORT IdListValuePair
+    : public nvf::TupleWrapper<IdListValuePair*, nvf::Expressions<OptIdent>, ExprHandle, bool> {
+public:
+  IdListValuePair();
+  /// `isColonEquals` is true where the declaration was written with `:=`.
+  IdListValuePair(const nvf::Expressions<OptIdent>& ids, const Expr& value, bool isColonEquals);
+  [[nodiscard]] const nvf::Expressions<OptIdent>& ids() const noexcept { return get<0>(); }
+  [[nodiscard]] const Expr& value() const noexcept { return get<1>().get(); }
+  [[nodiscard]] bool isColonEquals() const noexcept { return get<2>(); }
+  /// The place of the first id; a default one where there is none.
+  [[nodiscard]] nvf::Location location() const;
+  [[nodiscard]] ustring string(const ToStringContext& context) const;
+};
+/// The number of ids that are no placeholders.
+TESSARIN_EXPORT std::size_t number_of_effective_ids(const IdListValuePair& pair);
+
+class EqnAssertion;
+
+/// `elseif condition, items`.
+class TESSARIN_EXPORT ElseifBranch : public nvf::TupleWrapper<ElseifBranch*, ExprHandle, std::vector<EqnItemHandle>> {
+public:
+  ElseifBranch();
+  ElseifBranch(const Expr& condition, const std::vector<EqnItem>& items);
+  [[nodiscard]] const Expr& condition() const noexcept { return get<0>().get(); }
+  [[nodiscard]] const std::vector<EqnItemHandle>& eqnItems() const noexcept { return get<1>(); }
+  [[nodiscard]] std::size_t numOfEqnItems() const noexcept { return eqnItems().size(); }
+  [[nodiscard]] const EqnItem& eqnItem(std::size_t i) const;
+  [[nodiscard]] std::size_t numOfEqnExprs() const;
+  [[nodiscard]] std::size_t numOfEqnAssertions() const;
+  [[nodiscard]] std::vector<Expr> eqnExprs() const;
+  [[nodiscard]] std::vector<EqnAssertion> eqnAssertions() const;
+};
+
+/// `if condition, items; elseif …; else items; end`. The fields have the else branch before the elseif branches.
+class TESSARIN_EXPORT IfExpr
+    : public nvf::TupleWrapper<IfExpr*, ExprHandle, std::vector<EqnItemHandle>, std::vector<EqnItemHandle>,
+                               std::vector<ElseifBranch>, IgnoredRange> {
+public:
+  IfExpr();
+  IfExpr(const Expr& condition, const std::vector<EqnItem>& ifItems, const std::vector<EqnItem>& elseItems,
+         const std::vector<ElseifBranch>& elseifBranches, const nvf::Range& range);
+
+  [[nodiscard]] const Expr& condition() const noexcept { return get<0>().get(); }
+  [[nodiscard]] const std::vector<EqnItemHandle>& ifEqnItems() const noexcept { return get<1>(); }
+  [[nodiscard]] const std::vector<EqnItemHandle>& elseEqnItems() const noexcept { return get<2>(); }
+  [[nodiscard]] const std::vector<ElseifBranch>& elseifBranches() const noexcept { return get<3>(); }
+
+  [[nodiscard]] std::size_t numOfIfEqnItems() const noexcept { return ifEqnItems().size(); }
+  [[nodiscard]] const EqnItem& ifEqnItem(std::size_t i) const;
+  [[nodiscard]] std::size_t numOfElseEqnItems() const noexcept { return elseEqnItems().size(); }
+  [[nodiscard]] const EqnItem& elseEqnItem(std::size_t i) const;
+  [[nodiscard]] std::size_t numOfElseifBranches() const noexcept { return elseifBranches().size(); }
+  [[nodiscard]] const ElseifBranch& elseifBranch(std::size_t i) const { return elseifBranches().at(i); }
+  [[nodiscard]] std::size_t numOfIfEqnExprs() const;
+  [[nodiscard]] std::size_t numOfIfEqnAssertions() const;
+  [[nodiscard]] std::size_t numOfElseEqnExprs() const;
+  [[nodiscard]] std::size_t numOfElseEqnAssertions() const;
+  [[nodiscard]] std::vector<Expr> ifEqnExprs() const;
+  [[nodiscard]] std::vector<EqnAssertion> ifEqnAssertions() const;
+  [[nodiscard]] std::vector<Expr> elseEqnExprs() const;
+  [[nodiscard]] std::vector<EqnAssertion> elseEqnAssertions() const;
+};
+
+/// Wraps the `if` that a modechart has become. Its range is that of the `if`.
+class TESSARIN_EXPORT ModechartEqnExpr : public nvf::TupleWrapper<ModechartEqnExpr, IfExpr> {
+public:
+  explicit ModechartEqnExpr(const IfExpr& expr) : TupleWrapper(expr) {}
+  [[nodiscard]] const IfExpr& expr() const noexcept { return get<0>(); }
+  [[nodiscard]] nvf::Range range() const { return expr().range(); }
+  /// "internal_modechart_eqn_expr__".
+  static const nvf::CxId& ctor();
+};
+
+/// `let declarations in items end`.
+class TESSARIN_EXPORT LetExpr
+    : public nvf::TupleWrapper<LetExpr*, std::vector<IdListValuePair>, std::vector<EqnItemHandle>, IgnoredRange> {
+public:
+  LetExpr(const std::vector<IdListValuePair>& declarations, const std::vector<EqnItem>& items, const nvf::Range& range);
+  [[nodiscard]] const std::vector<IdListValuePair>& declarations() const noexcept { return get<0>(); }
+  [[nodiscard]] const std::vector<EqnItemHandle>& eqnItemList() const noexcept { return get<1>(); }
+  [[nodiscard]] std::size_t numOfDeclarations() const noexcept { return declarations().size(); }
+  [[nodiscard]] const IdListValuePair& declarationAt(std::size_t i) const { return declarations().at(i); }
+  [[nodiscard]] std::size_t numOfEqnItems() const noexcept { return eqnItemList().size(); }
+  [[nodiscard]] const EqnItem& eqnItem(std::size_t i) const;
+  [[nodiscard]] std::size_t numOfEqnExprs() const;
+  [[nodiscard]] std::size_t numOfAssertions() const;
+  [[nodiscard]] std::vector<Expr> eqnExprs() const;
+  [[nodiscard]] std::vector<EqnAssertion> eqnAssertions() const;
+};
+
+} // namespace tessarin::compiler::core
+
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Time);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::EndIndex);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::UnitExpr);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ValueExpr);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::MatrixExpr);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IdentValuePair);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::FieldValueArrayExpr);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::OpExpr);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::MRVIndex);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::TransitionExpr);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IdListValuePair);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ElseifBranch);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IfExpr);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ModechartEqnExpr);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::LetExpr);

@@ -1,0 +1,196 @@
+// What fills equations and events blocks: equations, assertions, and `when` clauses.
+#pragma once
+
+#include "tessarin/parser/ast/Expr.hpp"
+
+#include <optional>
+#include <variant>
+#include <vector>
+
+namespace tessarin::compiler::core {
+
+/// No message.
+class TESSARIN_EXPORT NoMessage : public nvf::TupleWrapper<NoMessage> {};
+
+/// A hole of a message that is filled from a member's text.
+class TESSARIN_EXPORT MemberText : public nvf::TupleWrapper<MemberText, nvf::CxIdPath, IgnoredRange> {
+public:
+  MemberText(const nvf::CxIdPath& path, const nvf::Range& range) : TupleWrapper(path, range) {}
+  [[nodiscard]] const nvf::CxIdPath& path() const noexcept { return get<0>(); }
+  /// "text".
+  static const nvf::CxId& ctor();
+};
+
+/// A hole of a message that is filled through a reference to a value.
+class TESSARIN_EXPORT RefText : public nvf::TupleWrapper<RefText, ValueRef, IgnoredRange> {
+public:
+  RefText(const ValueRef& ref, const nvf::Range& range) : TupleWrapper(ref, range) {}
+  [[nodiscard]] const ValueRef& ref() const noexcept { return get<0>(); }
+  /// "text", as for a member's text.
+  static const nvf::CxId& ctor();
+};
+
+/// A message of a catalog with its holes.
+class TESSARIN_EXPORT MessageObject
+    : public nvf::TupleWrapper<MessageObject*, nvf::MessageId,
+                               std::vector<std::variant<ustring, MemberText, RefText>>> {
+public:
+  using Hole = std::variant<ustring, MemberText, RefText>;
+  MessageObject(const nvf::MessageId& id, const std::vector<Hole>& holes) : TupleWrapper(id, holes) {}
+  [[nodiscard]] const nvf::MessageId& id() const noexcept { return get<0>(); }
+  [[nodiscard]] const std::vector<Hole>& holes() const noexcept { return get<1>(); }
+  /// "message".
+  static const nvf::CxId& ctor();
+};
+
+/// A literal text, with an id that may be empty.
+class TESSARIN_EXPORT PreformattedMessage : public nvf::TupleWrapper<PreformattedMessage*, nvf::MessageId, ustring> {
+public:
+  PreformattedMessage(const nvf::MessageId& id, const ustring& text) : TupleWrapper(id, text) {}
+  [[nodiscard]] const nvf::MessageId& id() const noexcept { return get<0>(); }
+  [[nodiscard]] const ustring& text() const noexcept { return get<1>(); }
+};
+
+/// `assert(predicate, message, Warn = …)`. The range is carried beside the fields: it does not even stir the hash.
+class TESSARIN_EXPORT EqnAssertion
+    : public nvf::TupleWrapper<EqnAssertion, Expr, std::variant<NoMessage, MessageObject, PreformattedMessage>,
+                               std::optional<Expr>> {
+public:
+  using Message = std::variant<NoMessage, MessageObject, PreformattedMessage>;
+  /// What a failed assertion does: 1 is what `Warn = true` means and 2 what `Warn = false` means.
+  enum class ActionType : int { Default = 0, Warn = 1, Error = 2 };
+
+  EqnAssertion() = default;
+  EqnAssertion(const Expr& predicate, const Message& message, const std::optional<Expr>& action,
+               const nvf::Range& range)
+      : TupleWrapper(predicate, message, action), range_(range) {}
+
+  [[nodiscard]] const Expr& predicate() const noexcept { return get<0>(); }
+  [[nodiscard]] const Message& message() const noexcept { return get<1>(); }
+  [[nodiscard]] const std::optional<Expr>& action() const noexcept { return get<2>(); }
+  [[nodiscard]] nvf::Range range() const noexcept { return range_; }
+  /// The text behind `indent` blanks.
+  [[nodiscard]] ustring string(std::size_t indent) const;
+
+  /// "assert".
+  static const nvf::CxId& ctor();
+  /// A 1-by-1 value of 32-bit integers without a unit.
+  static nvf::Value toValue(const ActionType& action);
+  /// The reverse of `toValue`. Throws `std::bad_variant_access` for a value that is no 32-bit integer, and the errors
+  /// `InvalidTypeForAssertAction` (not one element, or a unit) and `InvalidValueForAssertAction` (none of the three) at
+  /// `location`.
+  static ActionType toActionType(const nvf::Value& value, const nvf::Location& location);
+
+private:
+  nvf::Range range_;
+};
+
+/// An item of an equations block: an expression (0) or an assertion (1).
+class TESSARIN_EXPORT EqnItem : public nvf::TaggedUnion<EqnItem, Expr, EqnAssertion> {
+public:
+  using TaggedUnion::TaggedUnion;
+};
+TESSARIN_EXPORT nvf::Range eqnitem_range(const EqnItem& item);
+TESSARIN_EXPORT nvf::Location eqnitem_location(const EqnItem& item);
+TESSARIN_EXPORT std::size_t eqnitem_line(const EqnItem& item);
+/// The item at the head of a line: it gets the indent of the context.
+TESSARIN_EXPORT ustring to_string(const EqnItem& item, ToStringContext context);
+
+/// An item of the body of a function: a declaration (0) or an assertion (1).
+class TESSARIN_EXPORT FunctionEqnItem : public nvf::TaggedUnion<FunctionEqnItem, IdListValuePair, EqnAssertion> {
+public:
+  using TaggedUnion::TaggedUnion;
+};
+TESSARIN_EXPORT ustring to_string(const FunctionEqnItem& item, const ToStringContext& context);
+
+/// An `equations` block.
+class TESSARIN_EXPORT EquationBlock
+    : public nvf::TupleWrapper<EquationBlock, std::vector<EqnItem>, nvf::Expressions<IdentValuePair>,
+                               detail::IgnoreValue<nvf::Location>> {
+public:
+  EquationBlock() = default;
+  EquationBlock(const std::vector<EqnItem>& items, const nvf::Expressions<IdentValuePair>& attributes,
+                const nvf::Location& location)
+      : TupleWrapper(items, attributes, location) {}
+
+  [[nodiscard]] const std::vector<EqnItem>& eqnItems() const noexcept { return get<0>(); }
+  [[nodiscard]] const nvf::Expressions<IdentValuePair>& attributes() const noexcept { return get<1>(); }
+  [[nodiscard]] const nvf::Location& location() const noexcept { return get<2>(); }
+  [[nodiscard]] bool isEmpty() const noexcept { return eqnItems().empty(); }
+  [[nodiscard]] std::size_t numOfEqnItems() const noexcept { return eqnItems().size(); }
+  [[nodiscard]] const EqnItem& eqnItem(std::size_t i) const { return eqnItems().at(i); }
+  /// The block's own expressions, and its own assertions: not those inside its items.
+  [[nodiscard]] std::vector<Expr> eqnExprs() const;
+  [[nodiscard]] std::vector<EqnAssertion> eqnAssertions() const;
+  [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+};
+
+/// `when predicate` with its updates.
+class TESSARIN_EXPORT WhenBranch : public nvf::TupleWrapper<WhenBranch, Expr, nvf::Expressions<IdentValuePair>> {
+public:
+  WhenBranch() = default;
+  WhenBranch(const Expr& predicate, const nvf::Expressions<IdentValuePair>& body) : TupleWrapper(predicate, body) {}
+  [[nodiscard]] const Expr& predicate() const noexcept { return get<0>(); }
+  [[nodiscard]] const nvf::Expressions<IdentValuePair>& body() const noexcept { return get<1>(); }
+  /// The place of the predicate.
+  [[nodiscard]] nvf::Location location() const { return expr_location(predicate()); }
+  [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+};
+
+/// `elsewhen predicate` with its updates.
+class TESSARIN_EXPORT ElseWhenBranch
+    : public nvf::TupleWrapper<ElseWhenBranch, Expr, nvf::Expressions<IdentValuePair>> {
+public:
+  ElseWhenBranch() = default;
+  ElseWhenBranch(const Expr& predicate, const nvf::Expressions<IdentValuePair>& body) : TupleWrapper(predicate, body) {}
+  [[nodiscard]] const Expr& predicate() const noexcept { return get<0>(); }
+  [[nodiscard]] const nvf::Expressions<IdentValuePair>& body() const noexcept { return get<1>(); }
+  /// The place of the predicate.
+  [[nodiscard]] nvf::Location location() const { return expr_location(predicate()); }
+  [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+};
+
+/// A clause of an `events` block.
+class TESSARIN_EXPORT WhenClause : public nvf::TupleWrapper<WhenClause, WhenBranch, std::vector<ElseWhenBranch>> {
+public:
+  WhenClause() = default;
+  WhenClause(const WhenBranch& whenBranch, const std::vector<ElseWhenBranch>& elseWhens)
+      : TupleWrapper(whenBranch, elseWhens) {}
+  [[nodiscard]] const WhenBranch& whenBranch() const noexcept { return get<0>(); }
+  [[nodiscard]] const std::vector<ElseWhenBranch>& elseWhens() const noexcept { return get<1>(); }
+  [[nodiscard]] nvf::Location location() const { return whenBranch().location(); }
+  [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+};
+
+/// An `events` block.
+class TESSARIN_EXPORT EventBlock
+    : public nvf::TupleWrapper<EventBlock, std::vector<WhenClause>, detail::IgnoreValue<nvf::Location>> {
+public:
+  EventBlock() = default;
+  EventBlock(const std::vector<WhenClause>& events, const nvf::Location& location) : TupleWrapper(events, location) {}
+  [[nodiscard]] const std::vector<WhenClause>& events() const noexcept { return get<0>(); }
+  [[nodiscard]] const nvf::Location& location() const noexcept { return get<1>(); }
+  [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+};
+
+} // namespace tessarin::compiler::core
+
+namespace nvf {
+/// An item that is an assertion is left untouched by stripping, intended.
+template <>
+void Operations<tessarin::compiler::core::EqnItem>::strip(tessarin::compiler::core::EqnItem& item);
+} // namespace nvf
+
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::NoMessage);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::MemberText);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::RefText);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::MessageObject);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::PreformattedMessage);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::EqnAssertion);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::EqnItem);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::FunctionEqnItem);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::EquationBlock);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::WhenBranch);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ElseWhenBranch);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::WhenClause);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::EventBlock);

@@ -1,0 +1,57 @@
+// Literals: a value that keeps its source spelling, and the ways in which one is written.
+#pragma once
+
+#include "tessarin/foundation/node.hpp"
+#include "tessarin/foundation/number.hpp"
+#include "tessarin/foundation/units.hpp"
+#include "tessarin/parser/ast/Ident.hpp"
+
+#include <iosfwd>
+
+namespace tessarin::compiler::core {
+
+/// A value with its place. `Outputter` is a stateless function object that appends the literal's text.
+template <class T, class Outputter>
+class Literal : public nvf::TupleWrapper<Literal<T, Outputter>, T, IgnoredRange> {
+  using Base = nvf::TupleWrapper<Literal<T, Outputter>, T, IgnoredRange>;
+
+public:
+  Literal() = default;
+  Literal(const T& value, const nvf::Range& range) : Base(value, range) {}
+  [[nodiscard]] const T& value() const noexcept { return this->template get<0>(); }
+  /// Appends the text of the literal.
+  void append(ustring& out) const { Outputter()(out, value()); }
+  [[nodiscard]] ustring string() const {
+    ustring out;
+    append(out);
+    return out;
+  }
+};
+
+/// The text as it stands: a number keeps its source spelling, so that `1.50` and `1.5` differ.
+struct TESSARIN_EXPORT SimpleOutputter {
+  void operator()(ustring& out, const nvf::NumberString& number) const;
+};
+
+/// Single quotes around the text, each quote in it doubled.
+struct TESSARIN_EXPORT CharacterVectorOutputter {
+  void operator()(ustring& out, const ustring& text) const;
+  /// To a narrow stream, in the local encoding.
+  void operator()(std::ostream& stream, const ustring& text) const;
+  void operator()(std::basic_ostream<char16_t>& stream, const ustring& text) const;
+};
+
+/// Single quotes around the text of a unit. Quotes in it are not doubled: a unit text is never escaped, intended.
+struct TESSARIN_EXPORT SingleQuoteOutputter {
+  void operator()(ustring& out, const nvf::ExprString& unit) const;
+};
+
+using NumberLiteral = Literal<nvf::NumberString, SimpleOutputter>;
+using StringLiteral = Literal<ustring, CharacterVectorOutputter>;
+using UnitLiteral = Literal<nvf::ExprString, SingleQuoteOutputter>;
+
+} // namespace tessarin::compiler::core
+
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::NumberLiteral);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::StringLiteral);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::UnitLiteral);

@@ -1,0 +1,106 @@
+// Subscripts and argument lists: what stands in parentheses behind a name.
+#pragma once
+
+#include "tessarin/parser/ast/Ident.hpp"
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace tessarin::compiler::core {
+
+class Expr;
+class NamedArgumentName;
+using ExprHandle = nvf::Handle<Expr>;
+using NamedArgumentNameHandle = nvf::Handle<NamedArgumentName>;
+
+/// One index of a subscript list: a lone colon, or an expression. It is written by hand because its fields depend on
+/// its type: a colon has no expression and compares, hashes and digests without one.
+class TESSARIN_EXPORT Subscript : public nvf::detail::OrderingOperators<Subscript> {
+public:
+  enum class Type : int { Colon = 0, Expression = 1 };
+
+  /// A colon at a place.
+  Subscript() = default;
+  Subscript(Type type, const nvf::Location& location) : type_(type), location_(location) {}
+  /// An expression at its own place.
+  Subscript(const Expr& expr); // NOLINT(google-explicit-constructor): an expression is a subscript
+
+  [[nodiscard]] Type type() const noexcept { return type_; }
+  /// Null for a colon.
+  [[nodiscard]] const std::shared_ptr<const Expr>& expr() const noexcept { return expr_; }
+  [[nodiscard]] const nvf::Location& location() const noexcept { return location_; }
+  /// A copy that shares nothing with this one.
+  [[nodiscard]] Subscript copy() const;
+  /// ":" or the expression's text, at indent 0.
+  [[nodiscard]] ustring string(ToStringContext context) const;
+
+  friend TESSARIN_EXPORT std::size_t hash_value(const Subscript& s);
+  friend TESSARIN_EXPORT void incorporate_data(DigestSink& sink, const Subscript& s);
+  friend TESSARIN_EXPORT Ordering compare(const Subscript& a, const Subscript& b);
+  friend TESSARIN_EXPORT bool operator==(const Subscript& a, const Subscript& b);
+  friend bool equal_ignore_annotation(const Subscript& a, const Subscript& b) { return a == b; }
+  /// Rebuilds the subscript: an expression is stripped and gives the location; a colon loses its location, intended.
+  friend TESSARIN_EXPORT void strip_annotation_inplace(Subscript& s);
+  friend TESSARIN_EXPORT void dump(nvf::DumpSink& sink, const Subscript& s);
+
+private:
+  Type type_ = Type::Colon;
+  std::shared_ptr<const Expr> expr_;
+  nvf::Location location_;
+};
+
+/// A parenthesised list of subscripts.
+class TESSARIN_EXPORT ParenSubs : public nvf::TupleWrapper<ParenSubs*, std::vector<Subscript>, IgnoredRange> {
+public:
+  ParenSubs() = default;
+  ParenSubs(const std::vector<Subscript>& subs, const nvf::Range& range) : TupleWrapper(subs, range) {}
+  [[nodiscard]] const std::vector<Subscript>& subs() const noexcept { return get<0>(); }
+  [[nodiscard]] ustring string(const ToStringContext& context) const;
+};
+
+/// One step of a dotted path: a name, or a name with subscripts.
+class TESSARIN_EXPORT IdParenSubs : public nvf::TupleWrapper<IdParenSubs*, Ident, std::optional<ParenSubs>> {
+public:
+  IdParenSubs() = default;
+  IdParenSubs(const Ident& ident, const std::optional<ParenSubs>& subs) : TupleWrapper(ident, subs) {}
+  [[nodiscard]] const Ident& ident() const noexcept { return get<0>(); }
+  [[nodiscard]] const std::optional<ParenSubs>& subs() const noexcept { return get<1>(); }
+};
+TESSARIN_EXPORT ustring to_string(const IdParenSubs& step, const ToStringContext& context);
+
+/// `name = value` or `name := value` in an argument list.
+class TESSARIN_EXPORT NamedArgument
+    : public nvf::TupleWrapper<NamedArgument*, NamedArgumentNameHandle, ExprHandle, bool> {
+public:
+  NamedArgument();
+  /// `isColonEquals` is true for `:=`.
+  NamedArgument(const NamedArgumentName& name, const Expr& value, bool isColonEquals);
+  [[nodiscard]] const NamedArgumentName& name() const noexcept;
+  [[nodiscard]] const Expr& value() const noexcept;
+  [[nodiscard]] bool isColonEquals() const noexcept { return get<2>(); }
+  /// The place of the name.
+  [[nodiscard]] nvf::Location location() const;
+  [[nodiscard]] ustring string(const ToStringContext& context) const;
+};
+
+/// A whole argument list: positional arguments, then named ones.
+class TESSARIN_EXPORT Arguments
+    : public nvf::TupleWrapper<Arguments*, std::vector<Subscript>, std::vector<NamedArgument>, IgnoredRange> {
+public:
+  Arguments() = default;
+  Arguments(const std::vector<Subscript>& positional, const std::vector<NamedArgument>& named, const nvf::Range& range)
+      : TupleWrapper(positional, named, range) {}
+  [[nodiscard]] const std::vector<Subscript>& posArgs() const noexcept { return get<0>(); }
+  [[nodiscard]] const std::vector<NamedArgument>& namedArgs() const noexcept { return get<1>(); }
+  [[nodiscard]] ustring string(const ToStringContext& context) const;
+};
+TESSARIN_EXPORT nvf::Range range(const Arguments& arguments);
+TESSARIN_EXPORT ustring to_string(const Arguments& arguments, const ToStringContext& context);
+
+} // namespace tessarin::compiler::core
+
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ParenSubs);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IdParenSubs);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::NamedArgument);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Arguments);
