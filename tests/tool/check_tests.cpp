@@ -1,0 +1,240 @@
+#include "tool/run_tool.hpp"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+using nlohmann::json;
+using namespace tessarin::test;
+
+const std::string good = "x = 1;\n";
+const std::string bad = "x = ;\n"; // at 1:5
+const std::string fatal = "component fatal\n function a.b\n  y = 2;\n end\nend\n";
+
+/// The findings of a run, without the sentences: places, severities and ids.
+std::string headlines(const std::string& text) {
+  std::string out;
+  for (std::size_t begin = 0; begin < text.size();) {
+    const std::size_t end = text.find('\n', begin);
+    const std::string line = text.substr(begin, end - begin);
+    begin = end + 1;
+    const std::size_t id = line.rfind(" [");
+    const std::size_t severity = line.find(": error: ");
+    if (id != std::string::npos && severity != std::string::npos) {
+      out += line.substr(0, severity) + ": error" + line.substr(id) + "\n";
+    }
+  }
+  return out;
+}
+
+TEST(CheckCommand, ShowsTheLineAndTheColumn) {
+  struct Case {
+    std::string source;
+    std::string report;
+  };
+  const std::string blanks(300, ' ');
+  const Case cases[] = {
+      {"x = ;\n", "1:5: error: @\nx = ;\n    ^\n"},
+      // Tabs stay, wide characters take two columns, combining ones none, and a pair of units one character.
+      {"\ty\t= ;\n", "1:6: error: @\n\ty\t= ;\n\t \t  ^\n"},
+      {"a = '漢字'; x = ;\n", "1:15: error: @\na = '漢字'; x = ;\n                ^\n"},
+      {"a = 'e\u0301'; x = ;\n", "1:15: error: @\na = 'e\u0301'; x = ;\n             ^\n"},
+      {"a = '\U0001D538'; x = ;\n", "1:15: error: @\na = '\U0001D538'; x = ;\n             ^\n"},
+      // Nothing in the source can steer the terminal.
+      {"a = '\x1B[2J\u202E'; x = ;\n", "1:18: error: @\na = '\u241B[2J\uFFFD'; x = ;\n                 ^\n"},
+      // All line ends count.
+      {"a = 1\rb = 2\r\nx = ;", "3:5: error: @\nx = ;\n    ^\n"},
+      // Of long lines the surroundings are shown.
+      {blanks + "x = ;" + blanks, "1:305: error: @\n…" + std::string(96, ' ') + "x = ;" + std::string(99, ' ') + "…\n" +
+                                      std::string(101, ' ') + "^\n"},
+  };
+  const TemporaryFolder folder;
+  for (const Case& c : cases) {
+    folder.write("f.tsn", c.source);
+    const ToolResult result = runTool(folder, {"check", "f.tsn"});
+    std::string sentence = result.out.substr(0, result.out.find('\n'));
+    sentence.erase(0, sentence.find(": error: ") + 9);
+    std::string expected = "f.tsn:" + c.report + "1 file checked: 1 error, 0 warnings\n";
+    expected.replace(expected.find('@'), 1, sentence);
+    EXPECT_EQ(result.out, expected);
+    EXPECT_TRUE(sentence.ends_with(" [UnexpectedSep]")) << sentence;
+    EXPECT_EQ(result.error, "");
+    EXPECT_EQ(result.status, 1);
+  }
+}
+
+TEST(CheckCommand, FaultsWithoutASourceLine) {
+  const TemporaryFolder folder;
+  folder.write("fatal.tsn", fatal);
+  folder.write("end.tsn", "x = ...\n"); // the fault is on the last line, which is empty
+  const ToolResult result = runTool(folder, {"check", "end.tsn", "fatal.tsn", "gone.tsn"});
+  EXPECT_EQ(result.out,
+            "end.tsn:2:1: error: The text ends in the middle of a statement. [IncompleteStatement]\n"
+            "fatal.tsn: internal error: non-terminal (parser/parse/NonTerminalData:34, "
+            "virtual const tessarin::compiler::core::Token& tessarin::compiler::core::NonTerminalData::token() const)\n"
+            "gone.tsn: error: cannot be read: No such file or directory\n"
+            "3 files checked: 3 errors, 0 warnings\n");
+  EXPECT_EQ(result.error, "");
+  EXPECT_EQ(result.status, 2);
+}
+
+TEST(CheckCommand, FilesBelowFoldersInOrder) {
+  const TemporaryFolder folder;
+  for (const char* name : {"b/two.tsn", "b/one.tsn", "b-a/x.tsn", "b/deep/er/x.tsn", "b/.tsn"}) folder.write(name, bad);
+  folder.write("b/ignored.txt", bad);
+  folder.write("b/folder.tsn/ignored", bad);
+  std::filesystem::create_directory(folder.path() / "empty");
+  // A loop, a second way to a folder, a link that leads nowhere, and one that leads to a file.
+  std::filesystem::create_directory_symlink("..", folder.path() / "b/deep/up");
+  std::filesystem::create_directory_symlink("../b-a", folder.path() / "b/again");
+  std::filesystem::create_symlink("nowhere", folder.path() / "b/dangling.tsn");
+  std::filesystem::create_symlink("../b-a/x.tsn", folder.path() / "b/link.tsn");
+
+  struct Case {
+    std::vector<std::string> arguments;
+    std::vector<std::string> paths;
+    int status;
+  };
+  const Case cases[] = {
+      {{"b"}, {"b/.tsn", "b/dangling.tsn", "b/deep/er/x.tsn", "b/link.tsn", "b/one.tsn", "b/two.tsn"}, 2},
+      {{"b-a/", "b/ignored.txt"}, {"b-a/x.tsn", "b/ignored.txt"}, 1},
+      {{"b/deep/up/one.tsn", "b-a", "b-a/x.tsn"}, {"b/deep/up/one.tsn", "b-a/x.tsn"}, 1},
+      {{"b/again"}, {"b/again/x.tsn"}, 1},
+      {{"empty"}, {}, 0},
+  };
+  for (const Case& c : cases) {
+    std::vector<std::string> arguments = {"check", "--json"};
+    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+    const ToolResult result = runTool(folder, arguments);
+    std::vector<std::string> paths;
+    const json document = json::parse(result.out);
+    for (const json& file : document["files"]) paths.push_back(file["path"]);
+    EXPECT_EQ(paths, c.paths);
+    EXPECT_EQ(result.status, c.status);
+  }
+  EXPECT_EQ(runTool(folder, {"check", "empty"}).error, "tsn: there are no .tsn files below 'empty'\n");
+}
+
+TEST(CheckCommand, Json) {
+  const TemporaryFolder folder;
+  folder.write("a/bad.tsn", bad);
+  folder.write("a/fatal.tsn", fatal);
+  folder.write("a/good.tsn", good);
+  folder.write("a/named.tsn", "component other\nend\n");
+  folder.write("a/utf.tsn", "\xFF");
+  const ToolResult result = runTool(folder, {"check", "--json", "a", "gone.tsn"});
+  EXPECT_EQ(json::parse(result.out), json::parse(R"({
+    "files":[
+      {"path":"a/bad.tsn","fault":{"family":"parse","id":"UnexpectedSep","arguments":[],"line":0,"column":4},
+       "warnings":[]},
+      {"path":"a/fatal.tsn","fatal":{"text":"non-terminal","source":"parser/parse/NonTerminalData","line":34,"signature":
+       "virtual const tessarin::compiler::core::Token& tessarin::compiler::core::NonTerminalData::token() const"},
+       "warnings":[]},
+      {"path":"a/good.tsn","warnings":[]},
+      {"path":"a/named.tsn","warnings":[{"family":"parse","id":"InconsistentModelNameAndFileName",
+       "arguments":["other"],"line":0,"column":10}]},
+      {"path":"a/utf.tsn","error":["nvf::InvalidUtf8","invalid UTF-8 at byte 0"],"warnings":[]},
+      {"path":"gone.tsn","error":["tessarin::tool::UnreadableFile","cannot be read: No such file or directory"],
+       "warnings":[]}],
+    "summary":{"files":6,"errors":4,"warnings":1}})"))
+      << result.out;
+  EXPECT_EQ(result.error, "");
+  EXPECT_EQ(result.status, 2);
+}
+
+TEST(CheckCommand, TheSameForAnyNumberOfWorkers) {
+  const TemporaryFolder folder;
+  for (int i = 0; i < 60; ++i) {
+    const std::string name = "f" + std::to_string(i);
+    // Files of very different length, so that workers finish out of order.
+    std::string source;
+    for (int line = 0; line < (i % 7 == 0 ? 1000 : 1); ++line) source += "y = " + std::to_string(line) + ";\n";
+    folder.write(name + ".tsn", source + (i % 3 == 0 ? bad : i % 5 == 0 ? fatal : good));
+  }
+  for (std::vector<std::string> arguments : {std::vector<std::string>{"check", "."}, {"check", ".", "--json"}}) {
+    arguments.push_back("-j1");
+    const ToolResult one = runTool(folder, arguments);
+    EXPECT_EQ(one.status, 1);
+    for (const char* jobs : {"-j2", "-j16", "-j1000"}) {
+      arguments.back() = jobs;
+      const ToolResult many = runTool(folder, arguments);
+      EXPECT_EQ(many.out, one.out) << jobs;
+      EXPECT_EQ(many.status, one.status);
+    }
+  }
+}
+
+TEST(CheckCommand, ReportsOnALongLineAreShort) {
+  std::string source;
+  for (int i = 0; i < 3000; ++i) source += std::string(64, 'n') + ";";
+  const TemporaryFolder folder;
+  folder.write("f.tsn", source + "\n");
+  const ToolResult result = runTool(folder, {"check", "f.tsn"});
+  EXPECT_TRUE(result.out.ends_with("\n1 file checked: 0 errors, 3000 warnings\n"));
+  EXPECT_LT(result.out.size(), 20 * source.size());
+  EXPECT_EQ(result.status, 0);
+}
+
+TEST(CheckCommand, StandardInput) {
+  const TemporaryFolder folder;
+  const ToolResult result = runTool(folder, {"check", "-"}, {.input = bad});
+  EXPECT_EQ(headlines(result.out), "<stdin>:1:5: error [UnexpectedSep]\n");
+  EXPECT_EQ(result.status, 1);
+}
+
+/// A terminal to which a process writes.
+class Terminal {
+public:
+  Terminal() : master_(posix_openpt(O_RDWR | O_NOCTTY)) {
+    if (master_ < 0 || grantpt(master_) != 0 || unlockpt(master_) != 0) throw std::runtime_error("no terminal");
+    name_ = ptsname(master_);
+    slave_ = open(name_.c_str(), O_RDWR | O_NOCTTY); // so that what is written stays when the process ends
+  }
+  ~Terminal() {
+    close(slave_);
+    close(master_);
+  }
+  Terminal(const Terminal&) = delete;
+  Terminal& operator=(const Terminal&) = delete;
+
+  [[nodiscard]] const std::string& name() const { return name_; }
+  /// What has been written, if it is something.
+  [[nodiscard]] std::string written() const {
+    std::string text(4096, '\0');
+    text.resize(static_cast<std::size_t>(std::max<ssize_t>(read(master_, text.data(), text.size()), 0)));
+    return text;
+  }
+
+private:
+  int master_;
+  int slave_ = -1;
+  std::string name_;
+};
+
+TEST(CheckCommand, ColoursOnATerminalOnly) {
+  const TemporaryFolder folder;
+  folder.write("f.tsn", bad);
+  const auto isColoured = [&](const std::vector<std::string>& environment) {
+    const Terminal terminal;
+    const ToolResult result =
+        runTool(folder, {"check", "f.tsn"}, {.outputFile = terminal.name(), .environment = environment});
+    EXPECT_EQ(result.status, 1);
+    const std::string text = terminal.written();
+    EXPECT_NE(text.find("error:"), std::string::npos) << text;
+    return text.find("\x1B[") != std::string::npos;
+  };
+  EXPECT_TRUE(isColoured({"TERM=xterm"}));
+  EXPECT_TRUE(isColoured({"TERM=xterm", "NO_COLOR="}));
+  EXPECT_FALSE(isColoured({"TERM=xterm", "NO_COLOR=1"}));
+  EXPECT_FALSE(isColoured({"TERM=dumb"}));
+  EXPECT_FALSE(isColoured({}));
+  const ToolResult piped = runTool(folder, {"check", "f.tsn"}, {.environment = {"TERM=xterm"}});
+  EXPECT_EQ(piped.out.find('\x1B'), std::string::npos);
+}
+
+} // namespace

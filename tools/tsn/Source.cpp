@@ -1,0 +1,78 @@
+#include "Source.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tessarin::tool {
+
+namespace {
+
+/// An open file; standard input is left open.
+class File {
+public:
+  explicit File(const std::string& path)
+      : descriptor_(path == Source::standardInput ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+    if (descriptor_ < 0) fail();
+  }
+  ~File() {
+    if (descriptor_ != STDIN_FILENO) ::close(descriptor_);
+  }
+  File(const File&) = delete;
+  File& operator=(const File&) = delete;
+
+  /// The size that the file says it has; 0 for what has none, such as a pipe.
+  [[nodiscard]] std::size_t size() const {
+    struct stat status {};
+    return ::fstat(descriptor_, &status) == 0 ? static_cast<std::size_t>(std::max<off_t>(status.st_size, 0)) : 0;
+  }
+
+  /// Reads up to `capacity` bytes; 0 at the end.
+  std::size_t read(char* out, std::size_t capacity) const {
+    while (true) {
+      const ssize_t length = ::read(descriptor_, out, capacity);
+      if (length >= 0) return static_cast<std::size_t>(length);
+      if (errno != EINTR) fail();
+    }
+  }
+
+private:
+  [[noreturn]] static void fail() { throw UnreadableFile(errno, std::generic_category(), "cannot be read"); }
+
+  int descriptor_;
+};
+
+std::string readBytes(const std::string& path) {
+  constexpr std::size_t smallest = 4096;
+  const File file(path);
+  // One byte more than the size, so that the end shows without another block.
+  std::string bytes(std::max(file.size() + 1, smallest), '\0');
+  std::size_t length = 0;
+  while (const std::size_t more = file.read(bytes.data() + length, bytes.size() - length)) {
+    length += more;
+    if (length == bytes.size()) bytes.resize(2 * bytes.size());
+  }
+  bytes.resize(length);
+  return bytes;
+}
+
+} // namespace
+
+Source Source::read(const std::string& path) {
+  const nvf::ustring text = nvf::decode_utf8(readBytes(path));
+  return Source({nvf::FileName(displayName(path)), text});
+}
+
+nvf::ustring_view Source::line(std::size_t number) const {
+  while (lines_.size() <= number && !unwalked_.empty()) {
+    const std::size_t length = std::min(unwalked_.find_first_of(u"\n\r"), unwalked_.size());
+    lines_.push_back(unwalked_.substr(0, length));
+    unwalked_.remove_prefix(length);
+    unwalked_.remove_prefix(unwalked_.starts_with(u"\r\n") ? 2 : std::min<std::size_t>(unwalked_.size(), 1));
+  }
+  return number < lines_.size() ? lines_[number] : nvf::ustring_view();
+}
+
+} // namespace tessarin::tool

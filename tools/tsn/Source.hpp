@@ -1,0 +1,48 @@
+// The input of a command: a file, or standard input.
+#pragma once
+
+#include "tessarin/foundation/location.hpp"
+
+#include <cstddef>
+#include <string>
+#include <system_error>
+#include <vector>
+
+namespace tessarin::tool {
+
+/// Thrown for a file that cannot be opened or read.
+class UnreadableFile : public std::system_error {
+public:
+  using std::system_error::system_error;
+};
+
+/// The text of an input.
+class Source {
+public:
+  /// The path that stands for standard input.
+  static constexpr const char* standardInput = "-";
+  /// What standard input is called in locations.
+  static constexpr const char* standardInputName = "<stdin>";
+
+  /// Reads the file, or standard input, to its end. Throws `UnreadableFile`, and `nvf::InvalidUtf8` where the bytes are
+  /// not UTF-8. A byte order mark is kept: positions count it.
+  static Source read(const std::string& path);
+
+  /// How the input is called in locations and in text for people.
+  static std::string displayName(const std::string& path) { return path == standardInput ? standardInputName : path; }
+
+  [[nodiscard]] const nvf::SourceBuffer& buffer() const noexcept { return buffer_; }
+  [[nodiscard]] nvf::ustring_view text() const noexcept { return buffer_.text(); }
+  /// The line of the given number, from 0, without its line end; empty behind the last line. The text is walked through
+  /// once at the most, however many lines are asked for. For one thread at a time.
+  [[nodiscard]] nvf::ustring_view line(std::size_t number) const;
+
+private:
+  explicit Source(nvf::SourceBuffer buffer) : buffer_(std::move(buffer)), unwalked_(buffer_.text()) {}
+
+  nvf::SourceBuffer buffer_;
+  mutable std::vector<nvf::ustring_view> lines_; // as far as the text has been walked through
+  mutable nvf::ustring_view unwalked_;
+};
+
+} // namespace tessarin::tool

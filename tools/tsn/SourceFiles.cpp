@@ -1,0 +1,49 @@
+#include "SourceFiles.hpp"
+
+#include <algorithm>
+#include <system_error>
+
+namespace tessarin::tool {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Whether the entry is to be read: a file, or a link that leads nowhere, which its reader will report.
+bool isSourceFile(const fs::directory_entry& entry) {
+  std::error_code ignored;
+  const fs::file_type type = entry.status(ignored).type();
+  const bool mayBeRead = type == fs::file_type::regular || type == fs::file_type::not_found || //
+                         type == fs::file_type::none || type == fs::file_type::unknown;
+  return mayBeRead && entry.path().native().ends_with(".tsn");
+}
+
+bool isRealDirectory(const fs::directory_entry& entry) {
+  std::error_code ignored;
+  return entry.symlink_status(ignored).type() == fs::file_type::directory;
+}
+
+} // namespace
+
+std::vector<std::string> filesBelow(const fs::path& directory) {
+  std::vector<std::string> files;
+  std::vector<fs::path> open = {directory};
+  while (!open.empty()) {
+    const fs::path current = std::move(open.back());
+    open.pop_back();
+    std::error_code failure;
+    for (fs::directory_iterator entry(current, failure); !failure && entry != fs::directory_iterator();
+         entry.increment(failure)) {
+      if (isRealDirectory(*entry)) {
+        open.push_back(entry->path());
+      } else if (isSourceFile(*entry)) {
+        files.push_back(entry->path().native());
+      }
+    }
+    if (failure) files.push_back(current.native());
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+} // namespace tessarin::tool
