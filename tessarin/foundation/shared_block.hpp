@@ -9,21 +9,61 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <utility>
+
+#if __has_include(<sys/single_threaded.h>)
+#include <sys/single_threaded.h>
+#endif
 
 namespace nvf {
 
-/// The head of a block: the number of its owners, and the hash of its contents once that has been asked for.
+/// A count that threads share. While the process has one thread only, where the system can tell, counting takes no
+/// atomic operation, which would cost several times as much.
+class OwnerCount {
+public:
+  explicit OwnerCount(std::uint32_t count) noexcept : count_(count) {}
+
+  [[nodiscard]] std::uint32_t value() const noexcept { return count_.load(std::memory_order_acquire); }
+  void increment() noexcept {
+    if (isSingleThreaded()) {
+      count_.store(count_.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    } else {
+      count_.fetch_add(1, std::memory_order_relaxed);
+    }
+  }
+  /// The count that is left. Whoever is told 0 sees all that the other threads have written before they subtracted.
+  std::uint32_t subtract(std::uint32_t n) noexcept {
+    if (!isSingleThreaded()) return count_.fetch_sub(n, std::memory_order_acq_rel) - n;
+    const std::uint32_t left = count_.load(std::memory_order_relaxed) - n;
+    count_.store(left, std::memory_order_relaxed);
+    return left;
+  }
+
+private:
+  static bool isSingleThreaded() noexcept {
+#if __has_include(<sys/single_threaded.h>)
+    return __libc_single_threaded != 0;
+#else
+    return false;
+#endif
+  }
+
+  std::atomic<std::uint32_t> count_;
+};
+
+/// The head of a block: the number of its owners, 2^32 - 1 at the most, and the hash of its contents once that has been
+/// asked for.
 class TESSARIN_EXPORT SharedBlock {
 public:
   SharedBlock& operator=(const SharedBlock&) = delete;
 
-  void retain() noexcept { owners_.fetch_add(1, std::memory_order_relaxed); }
+  void retain() noexcept { owners_.increment(); }
   void release() noexcept {
-    if (owners_.fetch_sub(1, std::memory_order_acq_rel) == 1) destroy(this);
+    if (owners_.subtract(1) == 0) destroy(this);
   }
   /// Whether the caller, who owns a share, is the only owner.
-  [[nodiscard]] bool isUnique() const noexcept { return owners_.load(std::memory_order_acquire) == 1; }
+  [[nodiscard]] bool isUnique() const noexcept { return owners_.value() == 1; }
 
   /// The hash of the contents, 0 where it is not known. Threads that compute it at the same time store the same value.
   [[nodiscard]] std::size_t cachedHash() const noexcept { return hash_.load(std::memory_order_relaxed); }
@@ -38,8 +78,8 @@ protected:
 private:
   static void destroy(SharedBlock* block) noexcept;
 
-  std::atomic<std::size_t> owners_ = 1;
   mutable std::atomic<std::size_t> hash_ = 0; // of a dead block: the address of the next one in the list
+  OwnerCount owners_{1};                      // last, so that small members of derived classes fit in behind it
 };
 
 /// Owns a share of a block of type `Block`, which is derived from `SharedBlock` and may be incomplete until its members

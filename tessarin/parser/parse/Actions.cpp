@@ -2,7 +2,6 @@
 
 #include "tessarin/foundation/messages.hpp"
 #include "tessarin/foundation/warning.hpp"
-#include "tessarin/parser/parse/Parser.hpp"
 
 #include <optional>
 
@@ -31,8 +30,8 @@ ParseTree node(NonTerminal::Value kind, std::vector<ParseTree> children) {
 
 } // namespace
 
-void Actions::checkDepth(const ParseTree& tree) {
-  if (ParseTreeBuilder::depth(tree) > maxNesting) raise<messages::DeepStatements>(state_.current.location());
+void Actions::refuseDepth() {
+  raise<messages::DeepStatements>(state_.current.location());
 }
 
 ParseTree Actions::nest(ParseTree& list) {

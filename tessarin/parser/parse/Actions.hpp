@@ -2,9 +2,12 @@
 #pragma once
 
 #include "tessarin/parser/parse/ParseTreeBuilder.hpp"
+#include "tessarin/parser/parse/Parser.hpp"
 #include "tessarin/parser/parse/ParserState.hpp"
 #include "tessarin/parser/parse/SyntaxError.hpp"
 
+#include <cstdint>
+#include <limits>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -22,7 +25,7 @@ public:
   /// Reads the next token; its leaf becomes the value.
   int next(ParseTree& value) {
     const Token& token = state_.nextToken();
-    value = ParseTree(token);
+    value = state_.trees.leaf(token);
     return token.code();
   }
 
@@ -31,13 +34,13 @@ public:
   /// A node of the kind with these children.
   template <class... Trees>
   ParseTree operator()(NonTerminal::Value kind, Trees&&... children) {
-    return checkDepth(ParseTreeBuilder::node(kind, {&children...}));
+    return checkDepth(state_.trees.node(kind, {&children...}));
   }
   /// A node of the kind with these children, and behind them the children of `rest`.
   template <class... Trees>
   ParseTree withChildrenOf(NonTerminal::Value kind, ParseTree rest, Trees&&... children) {
-    ParseTree result = ParseTreeBuilder::node(kind, {&children...});
-    for (std::size_t i = 0; i < rest.count(); ++i) ParseTreeBuilder::extend(result, ParseTree(rest.child(i)));
+    ParseTree result = state_.trees.node(kind, {&children...});
+    for (std::size_t i = 0; i < rest.count(); ++i) state_.trees.extend(result, ParseTree(rest.child(i)));
     return checkDepth(std::move(result));
   }
   /// A list with further items. The left side of the rule holds a second handle on the list, which is given up first,
@@ -45,7 +48,7 @@ public:
   template <class... Trees>
   void list(ParseTree& result, NonTerminal::Value, ParseTree& list, Trees&&... items) {
     result = std::move(list);
-    (ParseTreeBuilder::extend(result, std::move(items)), ...);
+    (state_.trees.extend(result, std::move(items)), ...);
     checkDepth(result);
   }
   /// The list with all nested lists of its kind flattened.
@@ -129,7 +132,11 @@ private:
     checkDepth(std::as_const(tree));
     return std::move(tree);
   }
-  void checkDepth(const ParseTree& tree);
+  void checkDepth(const ParseTree& tree) {
+    static_assert(maxNesting < std::numeric_limits<std::uint16_t>::max(), "nodes count so far");
+    if (tree.data()->depth() > maxNesting) refuseDepth();
+  }
+  [[noreturn]] void refuseDepth();
   void checkNotRelational(const ParseTree& operand);
   void checkEmptyIndices(const ParseTree& target);
   void finish(ParseTree& imports, ParseTree& main, ParseTree& functions);

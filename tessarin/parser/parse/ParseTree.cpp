@@ -2,6 +2,7 @@
 
 #include "tessarin/foundation/stack.hpp"
 #include "tessarin/foundation/terminate.hpp"
+#include "tessarin/parser/parse/NodePool.hpp"
 #include "tessarin/parser/parse/ParseTreeBuilder.hpp"
 
 #include <algorithm>
@@ -22,6 +23,17 @@ ParseTreeData::~ParseTreeData() = default;
 // ---- leaves ----
 
 TerminalData::~TerminalData() = default;
+
+void TerminalData::operator delete(TerminalData* node, std::destroying_delete_t) noexcept {
+  const NodePool::Slot slot = node->slot_;
+  node->~TerminalData();
+  NodePool::release(node, slot);
+}
+
+TerminalData* TerminalData::make(const Token& token, NodePool* pool) {
+  const NodePool::Piece piece = NodePool::allocate(pool, sizeof(TerminalData));
+  return ::new (piece.memory) TerminalData(token, piece.slot);
+}
 
 namespace {
 constexpr const char* terminalSource = "parser/parse/TerminalData";
@@ -66,7 +78,7 @@ void TerminalData::visit(ParseTreeVisitor& visitor) const {
 }
 
 std::unique_ptr<ParseTreeData> TerminalData::clone() const {
-  return std::make_unique<TerminalData>(*this);
+  return std::unique_ptr<ParseTreeData>(make(token_, nullptr));
 }
 
 void TerminalData::out(std::ostream& stream, std::size_t indent) const {
@@ -131,11 +143,17 @@ constexpr bool growsToTheLeft(NonTerminal::Value kind) noexcept {
 
 static_assert(sizeof(NonTerminalData) % alignof(ParseTree) == 0, "the children follow the node");
 
-NonTerminalData* NonTerminalData::make(NonTerminal::Value kind, std::size_t capacity) {
+void NonTerminalData::operator delete(NonTerminalData* node, std::destroying_delete_t) noexcept {
+  const NodePool::Slot slot = node->slot_;
+  node->~NonTerminalData();
+  NodePool::release(node, slot);
+}
+
+NonTerminalData* NonTerminalData::make(NonTerminal::Value kind, std::size_t capacity, NodePool* pool) {
   if (capacity > std::numeric_limits<std::uint32_t>::max())
     throw std::length_error("too many children in a parse tree");
-  void* memory = ::operator new(sizeof(NonTerminalData) + capacity * sizeof(ParseTree));
-  return ::new (memory) NonTerminalData(kind, static_cast<std::uint32_t>(capacity));
+  const NodePool::Piece piece = NodePool::allocate(pool, sizeof(NonTerminalData) + capacity * sizeof(ParseTree));
+  return ::new (piece.memory) NonTerminalData(kind, static_cast<std::uint32_t>(capacity), piece.slot);
 }
 
 NonTerminalData::~NonTerminalData() {
@@ -143,10 +161,15 @@ NonTerminalData::~NonTerminalData() {
 }
 
 void NonTerminalData::append(ParseTree&& child) noexcept {
-  const std::uint32_t below = ParseTreeBuilder::depth(child);
-  depth_ = std::max(depth_, below + (count_ == 0 && below != 0 && growsToTheLeft(kind_) ? 0 : 1));
-  if (left_ == nullptr) left_ = child.left();
-  if (const Token* last = child.right()) right_ = last;
+  const ParseTreeData& data = *std::as_const(child).data();
+  const std::uint32_t below = data.depth();
+  if (below >= depth_) {
+    const std::uint32_t own = count_ == 0 && growsToTheLeft(kind_) ? 0 : 1;
+    depth_ =
+        static_cast<std::uint16_t>(std::min<std::uint32_t>(below + own, std::numeric_limits<std::uint16_t>::max()));
+  }
+  if (left_ == nullptr) left_ = data.ParseTreeData::left();
+  if (const Token* last = data.ParseTreeData::right()) right_ = last;
   std::construct_at(room() + count_, std::move(child));
   ++count_;
 }
@@ -177,7 +200,7 @@ void NonTerminalData::visit(ParseTreeVisitor& visitor) const {
 }
 
 std::unique_ptr<ParseTreeData> NonTerminalData::clone() const {
-  std::unique_ptr<NonTerminalData> copy(make(kind_, count_));
+  std::unique_ptr<NonTerminalData> copy(make(kind_, count_, nullptr));
   for (const ParseTree& tree : children()) copy->append(ParseTree(tree));
   return copy;
 }
@@ -243,14 +266,14 @@ Ordering NonTerminalData::compare(const NonTerminalData& other) const {
 const ParseTree ParseTree::DEFAULT_DATA;
 
 const ParseTreeData* ParseTree::defaultData() noexcept {
-  static const TerminalData data{Token()};
+  static const TerminalData data(Token(), 0);
   return &data;
 }
 
-ParseTree::ParseTree(const Token& token) : data_(new TerminalData(token)) {}
+ParseTree::ParseTree(const Token& token) : data_(TerminalData::make(token, nullptr)) {}
 
 ParseTree::ParseTree(NonTerminal::Value kind, const ParseTree* first, std::size_t n)
-    : data_(NonTerminalData::make(kind, n)) {
+    : data_(NonTerminalData::make(kind, n, nullptr)) {
   auto& node = static_cast<NonTerminalData&>(data_.exclusive());
   for (const ParseTree& child : std::span(first, n)) node.append(ParseTree(child));
 }
@@ -343,8 +366,12 @@ NonTerminalData& ParseTreeBuilder::inner(ParseTree& tree) noexcept {
   return static_cast<NonTerminalData&>(tree.data_.exclusive());
 }
 
+ParseTree ParseTreeBuilder::leaf(const Token& token) {
+  return ParseTree(TerminalData::make(token, &pool_));
+}
+
 ParseTree ParseTreeBuilder::node(NonTerminal::Value kind, std::initializer_list<ParseTree*> children) {
-  NonTerminalData* node = NonTerminalData::make(kind, children.size());
+  NonTerminalData* node = NonTerminalData::make(kind, children.size(), &pool_);
   for (ParseTree* child : children) node->append(std::move(*child));
   return ParseTree(node);
 }
@@ -352,7 +379,7 @@ ParseTree ParseTreeBuilder::node(NonTerminal::Value kind, std::initializer_list<
 void ParseTreeBuilder::append(ParseTree& list, ParseTree&& item) {
   NonTerminalData& node = inner(list);
   if (!node.isUnique() || !node.hasRoom()) {
-    ParseTree larger(NonTerminalData::make(node.kind_, 2 * std::size_t{node.count_} + 2));
+    ParseTree larger(NonTerminalData::make(node.kind_, 2 * std::size_t{node.count_} + 2, &pool_));
     const bool isUnique = node.isUnique();
     for (std::uint32_t i = 0; i < node.count_; ++i) {
       ParseTree& child = node.room()[i];

@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
+#include <new>
 #include <span>
 #include <string>
 #include <utility>
@@ -24,6 +25,7 @@
 
 namespace tessarin::compiler::core {
 
+class NodePool;
 class ParseTree;
 
 /// Sees the tokens of a tree from left to right.
@@ -40,7 +42,7 @@ class TESSARIN_EXPORT ParseTreeData : public nvf::SharedBlock {
 public:
   ~ParseTreeData() override;
   /// 0 for a terminal, 1 for a non-terminal.
-  [[nodiscard]] virtual std::int32_t type() const noexcept = 0;
+  [[nodiscard]] virtual std::int32_t type() const noexcept { return depth_ == 0 ? 0 : 1; }
   /// The token of a terminal.
   [[nodiscard]] virtual const Token& token() const = 0;
   /// The kind of a non-terminal.
@@ -53,8 +55,8 @@ public:
   [[nodiscard]] virtual ParseTree trim(std::size_t n) const = 0;
   virtual void visit(ParseTreeVisitor& visitor) const = 0;
   /// The first and the last token below; null where there is none.
-  [[nodiscard]] virtual const Token* left() const noexcept = 0;
-  [[nodiscard]] virtual const Token* right() const noexcept = 0;
+  [[nodiscard]] virtual const Token* left() const noexcept;
+  [[nodiscard]] virtual const Token* right() const noexcept;
   [[nodiscard]] virtual bool equal(const ParseTreeData& other) const = 0;
   /// By type, then as the typed nodes compare.
   [[nodiscard]] virtual Ordering compare(const ParseTreeData& other) const = 0;
@@ -64,9 +66,16 @@ public:
   virtual void incorporate_data(DigestSink& sink) const = 0;
   virtual void strip_annotation_inplace() = 0;
 
+  /// How deep non-terminals nest here, this one counting as 1 and a terminal as 0; 65535 stands for more as well.
+  [[nodiscard]] std::uint32_t depth() const noexcept { return depth_; }
+
+  ParseTreeData(const ParseTreeData&) = delete;
+
 protected:
-  ParseTreeData() noexcept = default;
-  ParseTreeData(const ParseTreeData&) noexcept = default;
+  ParseTreeData(std::uint16_t depth, std::uint16_t slot) noexcept : depth_(depth), slot_(slot) {}
+
+  std::uint16_t depth_;
+  std::uint16_t slot_; // where the node lies in the memory that it came from; see NodePool
 };
 
 /// Leads the operations with another node to those with one of the same class.
@@ -83,6 +92,9 @@ public:
   }
   [[nodiscard]] virtual bool equal(const Derived& other) const = 0;
   [[nodiscard]] virtual Ordering compare(const Derived& other) const = 0;
+
+protected:
+  using ParseTreeData::ParseTreeData;
 };
 
 /// The handle.
@@ -101,7 +113,8 @@ public:
   /// A node that only this handle owns: it is copied first where others share it.
   [[nodiscard]] ParseTreeData* data();
 
-  [[nodiscard]] std::int32_t type() const noexcept { return data()->type(); }
+  // The qualified calls are the ones that building a tree makes for every node; they need no dispatch.
+  [[nodiscard]] std::int32_t type() const noexcept { return data()->ParseTreeData::type(); }
   [[nodiscard]] const Token& token() const { return data()->token(); }
   [[nodiscard]] NonTerminal::Value code() const { return data()->code(); }
   [[nodiscard]] std::size_t count() const { return data()->count(); }
@@ -110,8 +123,8 @@ public:
   [[nodiscard]] bool isTerminalType(TokenId::Value code) const { return type() == 0 && token().code() == code; }
   /// Whether it is a non-terminal of this kind.
   [[nodiscard]] bool isNonTerminalType(NonTerminal::Value kind) const { return type() == 1 && code() == kind; }
-  [[nodiscard]] const Token* left() const noexcept { return data()->left(); }
-  [[nodiscard]] const Token* right() const noexcept { return data()->right(); }
+  [[nodiscard]] const Token* left() const noexcept { return data()->ParseTreeData::left(); }
+  [[nodiscard]] const Token* right() const noexcept { return data()->ParseTreeData::right(); }
   /// The location of `left()`; there must be one.
   [[nodiscard]] const nvf::Location& location() const noexcept { return left()->location(); }
   /// The line of the location, from 0.
@@ -145,21 +158,18 @@ TESSARIN_EXPORT void roll(NonTerminal::Value kind, const ParseTree& tree, std::v
 /// A leaf.
 class TESSARIN_EXPORT TerminalData final : public ParseTreeDataShim<TerminalData> {
 public:
-  explicit TerminalData(const Token& token) : token_(token) {}
-  TerminalData(const TerminalData&) = default;
   ~TerminalData() override;
+  /// Gives the memory back to where it came from.
+  static void operator delete(TerminalData* node, std::destroying_delete_t) noexcept;
 
   using ParseTreeDataShim::compare;
   using ParseTreeDataShim::equal;
-  [[nodiscard]] std::int32_t type() const noexcept override { return 0; }
   [[nodiscard]] const Token& token() const override { return token_; }
   [[nodiscard]] NonTerminal::Value code() const override;
   [[nodiscard]] std::size_t count() const override;
   [[nodiscard]] const ParseTree& child(std::size_t i) const override;
   [[nodiscard]] ParseTree trim(std::size_t n) const override;
   void visit(ParseTreeVisitor& visitor) const override;
-  [[nodiscard]] const Token* left() const noexcept override { return &token_; }
-  [[nodiscard]] const Token* right() const noexcept override { return &token_; }
   [[nodiscard]] std::unique_ptr<ParseTreeData> clone() const override;
   void out(std::ostream& stream, std::size_t indent) const override;
   [[nodiscard]] std::size_t hash_value() const override;
@@ -169,26 +179,31 @@ public:
   [[nodiscard]] Ordering compare(const TerminalData& other) const override;
 
 private:
+  friend class ParseTree;
+  friend class ParseTreeBuilder;
+  friend class ParseTreeData;
+
+  TerminalData(const Token& token, std::uint16_t slot) noexcept : ParseTreeDataShim(0, slot), token_(token) {}
+  static TerminalData* make(const Token& token, NodePool* pool);
+
   Token token_;
 };
 
 /// An inner node. The children follow it in memory.
 class TESSARIN_EXPORT NonTerminalData final : public ParseTreeDataShim<NonTerminalData> {
 public:
-  NonTerminalData(const NonTerminalData&) = delete;
   ~NonTerminalData() override;
+  /// Gives the memory back to where it came from.
+  static void operator delete(NonTerminalData* node, std::destroying_delete_t) noexcept;
 
   using ParseTreeDataShim::compare;
   using ParseTreeDataShim::equal;
-  [[nodiscard]] std::int32_t type() const noexcept override { return 1; }
   [[nodiscard]] const Token& token() const override;
   [[nodiscard]] NonTerminal::Value code() const override { return kind_; }
   [[nodiscard]] std::size_t count() const override { return count_; }
   [[nodiscard]] const ParseTree& child(std::size_t i) const override { return children()[i]; }
   [[nodiscard]] ParseTree trim(std::size_t n) const override;
   void visit(ParseTreeVisitor& visitor) const override;
-  [[nodiscard]] const Token* left() const noexcept override { return left_; }
-  [[nodiscard]] const Token* right() const noexcept override { return right_; }
   [[nodiscard]] std::unique_ptr<ParseTreeData> clone() const override;
   void out(std::ostream& stream, std::size_t indent) const override;
   [[nodiscard]] std::size_t hash_value() const override;
@@ -200,30 +215,36 @@ public:
   [[nodiscard]] std::span<const ParseTree> children() const noexcept {
     return {reinterpret_cast<const ParseTree*>(this + 1), count_};
   }
-  /// How deep nodes nest here, this one counting as 1; see `maxNesting`.
-  [[nodiscard]] std::uint32_t depth() const noexcept { return depth_; }
-
-  static void operator delete(void* memory) noexcept { ::operator delete(memory); }
 
 private:
   friend class ParseTree;
   friend class ParseTreeBuilder;
+  friend class ParseTreeData;
 
-  NonTerminalData(NonTerminal::Value kind, std::uint32_t capacity) noexcept : kind_(kind), capacity_(capacity) {}
+  NonTerminalData(NonTerminal::Value kind, std::uint32_t capacity, std::uint16_t slot) noexcept
+      : ParseTreeDataShim(1, slot), kind_(kind), capacity_(capacity) {}
   /// An empty node with room for `capacity` children.
-  static NonTerminalData* make(NonTerminal::Value kind, std::size_t capacity);
+  static NonTerminalData* make(NonTerminal::Value kind, std::size_t capacity, NodePool* pool);
   [[nodiscard]] bool hasRoom() const noexcept { return count_ < capacity_; }
   [[nodiscard]] ParseTree* room() noexcept { return reinterpret_cast<ParseTree*>(this + 1); }
   void append(ParseTree&& child) noexcept;
   void findEnds() noexcept;
 
   NonTerminal::Value kind_;
-  std::uint32_t depth_ = 1;
   std::uint32_t count_ = 0;
   std::uint32_t capacity_;
   const Token* left_ = nullptr;
   const Token* right_ = nullptr;
 };
+
+inline const Token* ParseTreeData::left() const noexcept {
+  return depth_ == 0 ? &static_cast<const TerminalData*>(this)->token_
+                     : static_cast<const NonTerminalData*>(this)->left_;
+}
+inline const Token* ParseTreeData::right() const noexcept {
+  return depth_ == 0 ? &static_cast<const TerminalData*>(this)->token_
+                     : static_cast<const NonTerminalData*>(this)->right_;
+}
 
 TESSARIN_EXPORT Ordering compare(const ParseTree& a, const ParseTree& b);
 /// Of a leaf, that of its token; of an inner node, of its kind and its children.

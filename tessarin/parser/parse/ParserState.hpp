@@ -3,7 +3,7 @@
 
 #include "tessarin/foundation/message.hpp"
 #include "tessarin/parser/lex/Lexer.hpp"
-#include "tessarin/parser/parse/ParseTree.hpp"
+#include "tessarin/parser/parse/ParseTreeBuilder.hpp"
 
 #include <functional>
 #include <utility>
@@ -13,6 +13,7 @@ namespace tessarin::compiler::core {
 struct ParserState {
   explicit ParserState(nvf::SourceBuffer buffer) : lexer(std::move(buffer)) {}
 
+  ParseTreeBuilder trees;
   ParseTree result; ///< the tree of the file, once a rule has completed it
   Lexer lexer;
   Token current;                                      ///< the last token handed to the parser
