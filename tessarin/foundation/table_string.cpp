@@ -12,24 +12,30 @@ namespace nvf::detail {
 
 namespace {
 
-/// Mixes the text eight bytes at a time; the length goes into the seed, so that the padding of the last word is
-/// harmless.
+/// Mixes the text eight bytes at a time, with a short step, since most texts are short names; `hash_combine` at the end
+/// spreads what the steps have left in the upper half. The length goes into the seed, so that the padding of the last
+/// word is harmless.
 template <class CharT>
 std::size_t hashText(const CharT* text, std::size_t size) noexcept {
+  constexpr std::uint64_t multiplier = 0x9e3779b97f4a7c15U;
   std::size_t bytes = size * sizeof(CharT);
   const char* p = reinterpret_cast<const char*>(text);
   std::uint64_t seed = bytes;
+  const auto mix = [&seed](std::uint64_t word) {
+    seed = (seed ^ word) * multiplier;
+    seed ^= seed >> 32U;
+  };
   std::uint64_t word = 0;
   for (; bytes >= sizeof word; bytes -= sizeof word, p += sizeof word) {
     std::memcpy(&word, p, sizeof word);
-    seed = hash_combine(seed, word);
+    mix(word);
   }
   if (bytes != 0) {
     word = 0;
     std::memcpy(&word, p, bytes);
-    seed = hash_combine(seed, word);
+    mix(word);
   }
-  return seed;
+  return hash_combine(0, seed);
 }
 
 /// Memory for entries, taken in blocks and given back never.

@@ -2,6 +2,8 @@
 
 #include "tessarin/foundation/messages.hpp"
 
+#include <array>
+#include <cstddef>
 #include <utility>
 
 namespace tessarin::compiler::core {
@@ -16,6 +18,16 @@ TokenId::Value codeOfName(ustring_view name) noexcept {
     if (word == name) return code;
   }
   return TokenId::ID;
+}
+
+/// The texts of the reserved words by kind, interned once.
+const Token::Text& textOfWord(Kind kind) {
+  static const auto texts = [] {
+    std::array<Token::Text, kindCount> result;
+    for (std::size_t i = 0; i < kindCount; ++i) result[i] = Token::Text(kind_image(static_cast<Kind>(i)));
+    return result;
+  }();
+  return texts[static_cast<std::size_t>(kind)];
 }
 
 } // namespace
@@ -90,6 +102,7 @@ Token Lexer::read() {
     }
     position_ += lexed.length;
     const nvf::Location location(fileName_, tokenizer_->lineColumn(start));
+    if (TokenId::isReservedKeyword(code)) return {code, location, textOfWord(lexed.kind)};
     return {code, location, text_.data() + start, lexed.length};
   }
 }

@@ -26,6 +26,10 @@ public:
   /// `chars` may be null. For the text, see the setter.
   Token(TokenId::Value code, const nvf::Location& location, const char16_t* chars, std::size_t length);
 
+  /// With a text that is interned already and that the code keeps.
+  Token(TokenId::Value code, const nvf::Location& location, const Text& text) noexcept
+      : text_(text), location_(location), code_(code) {}
+
   [[nodiscard]] TokenId::Value code() const noexcept { return code_; }
   [[nodiscard]] const nvf::Location& location() const noexcept { return location_; }
   [[nodiscard]] const Text& text() const noexcept { return text_; }

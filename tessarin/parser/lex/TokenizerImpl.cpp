@@ -90,9 +90,8 @@ LexToken TokenizerImpl::deliver() noexcept {
   return token;
 }
 
-#if 1
+// Flattened: the steps are small, and called once for each token.
 [[gnu::flatten]] LexToken TokenizerImpl::next() {
-#endif
   if (queue_.empty()) {
     scan();
     if (queue_.empty()) return LexToken::INVALID_TOKEN;
