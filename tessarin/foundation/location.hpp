@@ -152,11 +152,10 @@ public:
   using Text = std::vector<CharT>;
 
   /// `text` may be null for an empty buffer.
-  FileBuffer(FileName fileName, std::shared_ptr<const Text> text)
-      : fileName_(std::move(fileName)), text_(std::move(text)) {}
+  FileBuffer(FileName fileName, std::shared_ptr<const Text> text) : fileName_(fileName), text_(std::move(text)) {}
   /// Copies `text`.
   FileBuffer(FileName fileName, std::basic_string_view<CharT> text)
-      : FileBuffer(std::move(fileName), std::make_shared<const Text>(text.begin(), text.end())) {}
+      : FileBuffer(fileName, std::make_shared<const Text>(text.begin(), text.end())) {}
 
   [[nodiscard]] const FileName& fileName() const noexcept { return fileName_; }
   [[nodiscard]] std::basic_string_view<CharT> text() const noexcept {

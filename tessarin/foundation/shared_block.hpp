@@ -54,7 +54,7 @@ private:
 
 /// The head of a block: the number of its owners, 2^32 - 1 at the most, and the hash of its contents once that has been
 /// asked for.
-class TESSARIN_EXPORT SharedBlock {
+class TESSARIN_EXPORT SharedBlock { // NOLINT(cppcoreguidelines-virtual-class-destructor): only `destroy` deletes one
 public:
   SharedBlock& operator=(const SharedBlock&) = delete;
 

@@ -34,13 +34,13 @@ const Token::Text& textOfWord(Kind kind) {
 
 MarkupListener::~MarkupListener() = default;
 
-Lexer::Lexer(nvf::FileBuffer<char16_t, nvf::FileBufferDisplay<char16_t>> buffer)
+Lexer::Lexer(const nvf::FileBuffer<char16_t, nvf::FileBufferDisplay<char16_t>>& buffer)
     : fileName_(buffer.fileName()), tokenizer_(Tokenizer::create()), text_(buffer.text().begin(), buffer.text().end()) {
   tokenizer_->setBuffer(text_.empty() ? nullptr : text_.data(), text_.size(), false);
 }
 
 Lexer::Lexer(const nvf::AsciiString& text, nvf::FileName name)
-    : Lexer(nvf::SourceBuffer(std::move(name), ustring_view(text.text()))) {}
+    : Lexer(nvf::SourceBuffer(name, ustring_view(text.text()))) {}
 
 Lexer::~Lexer() = default;
 

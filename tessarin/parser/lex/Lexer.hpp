@@ -18,7 +18,7 @@ namespace tessarin::compiler::core {
 class TESSARIN_EXPORT Lexer {
 public:
   /// Copies the text of the buffer.
-  explicit Lexer(nvf::FileBuffer<char16_t, nvf::FileBufferDisplay<char16_t>> buffer);
+  explicit Lexer(const nvf::FileBuffer<char16_t, nvf::FileBufferDisplay<char16_t>>& buffer);
   Lexer(const nvf::AsciiString& text, nvf::FileName name);
   ~Lexer();
   Lexer(const Lexer&) = delete;
