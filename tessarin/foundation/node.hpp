@@ -14,7 +14,8 @@
 // scalars, text, sequences, maps, optionals, variants and tuples, `Operations<T>` over a class. A class that is odd in
 // one of them specialises that member of `Operations`, or declares the free functions itself.
 //
-// Recursion over a tree passes through the dispatch of a tagged union, and there the stack is guarded.
+// Recursion over a tree passes through the dispatch of a tagged union, and there the stack is guarded. A class through
+// which trees nest without a tagged union on the way says `static constexpr bool nests = true`, and is guarded itself.
 #pragma once
 
 #include "tessarin/foundation/exception.hpp"
@@ -540,6 +541,18 @@ concept IsTaggedUnion = requires(const T& value) {
   value.tuple();
 };
 
+namespace detail {
+/// Calls `function`, on a guarded stack where trees nest through `T` itself.
+template <class T, class Function>
+decltype(auto) walk(Function&& function) {
+  if constexpr (requires { requires T::nests; }) {
+    return with_stack(std::forward<Function>(function));
+  } else {
+    return std::invoke(std::forward<Function>(function));
+  }
+}
+} // namespace detail
+
 template <class T>
 std::size_t Operations<T>::hash(const T& value) {
   if constexpr (IsTaggedUnion<T>) {
@@ -547,7 +560,7 @@ std::size_t Operations<T>::hash(const T& value) {
   } else {
     std::size_t hash = value.cachedHash();
     if (hash == 0) {
-      hash = fields::hashOf(value.tuple());
+      hash = detail::walk<T>([&] { return fields::hashOf(value.tuple()); });
       value.cacheHash(hash);
     }
     return hash;
@@ -560,7 +573,7 @@ void Operations<T>::digest(DigestSink& sink, const T& value) {
     feed_bytes<8>(sink, value.id());
     value.visit([&sink](const auto& alternative) { fields::digest(sink, alternative); });
   } else {
-    fields::digest(sink, value.tuple());
+    detail::walk<T>([&] { fields::digest(sink, value.tuple()); });
   }
 }
 
@@ -570,7 +583,7 @@ Ordering Operations<T>::compare(const T& a, const T& b) {
     return with_stack([&] { return fields::orderOf(a.value_, b.value_); });
   } else {
     if (a.identity() != nullptr && a.identity() == b.identity()) return Ordering::Equal;
-    return fields::orderOf(a.tuple(), b.tuple());
+    return detail::walk<T>([&] { return fields::orderOf(a.tuple(), b.tuple()); });
   }
 }
 
@@ -580,7 +593,7 @@ bool Operations<T>::equal(const T& a, const T& b) {
     return with_stack([&] { return fields::areEqual<fields::Walk::Strict>(a.value_, b.value_); });
   } else {
     if (a.identity() != nullptr && a.identity() == b.identity()) return true;
-    return fields::areEqual<fields::Walk::Strict>(a.tuple(), b.tuple());
+    return detail::walk<T>([&] { return fields::areEqual<fields::Walk::Strict>(a.tuple(), b.tuple()); });
   }
 }
 
@@ -589,7 +602,7 @@ bool Operations<T>::equalLoosely(const T& a, const T& b) {
   if constexpr (IsTaggedUnion<T>) {
     return with_stack([&] { return fields::areEqual<fields::Walk::Loose>(a.value_, b.value_); });
   } else {
-    return fields::areEqual<fields::Walk::Loose>(a.tuple(), b.tuple());
+    return detail::walk<T>([&] { return fields::areEqual<fields::Walk::Loose>(a.tuple(), b.tuple()); });
   }
 }
 
@@ -598,7 +611,7 @@ void Operations<T>::strip(T& value) {
   if constexpr (IsTaggedUnion<T>) {
     with_stack([&] { fields::strip(value.value_); });
   } else {
-    fields::strip(value.ownFields());
+    detail::walk<T>([&] { fields::strip(value.ownFields()); });
   }
 }
 
@@ -613,7 +626,7 @@ void Operations<T>::dump(DumpSink& sink, const T& value) {
     } else {
       sink.beginNode(pretty_name<T>(), nullptr);
     }
-    fields::show(sink, value.tuple());
+    detail::walk<T>([&] { fields::show(sink, value.tuple()); });
     sink.endNode();
   }
 }

@@ -141,10 +141,19 @@ Expr op(OpExprType type, const Operands&... operands) {
 inline Expr matrix(const std::vector<core::MatrixExpr::Row>& rows, const nvf::Range& range = {}) {
   return core::MatrixExpr(rows, range);
 }
-inline Expr fields(const NamedValues& pairs) {
+/// `name = value, …`
+inline nvf::Expressions<core::IdentValuePair> pairs(const NamedValues& values) {
   std::vector<core::IdentValuePair> result;
-  for (const auto& [name, value] : pairs) result.emplace_back(ident(name), value, nvf::Location());
-  return core::FieldValueArrayExpr(nvf::Expressions<core::IdentValuePair>(result), nvf::Range());
+  for (const auto& [name, value] : values) result.emplace_back(ident(name), value, nvf::Location());
+  return nvf::Expressions<core::IdentValuePair>(std::move(result));
+}
+inline Expr fields(const NamedValues& values) {
+  return core::FieldValueArrayExpr(pairs(values), nvf::Range());
+}
+inline nvf::Expressions<core::Ident> idents(std::initializer_list<std::string_view> names) {
+  std::vector<core::Ident> result;
+  for (const std::string_view name : names) result.push_back(ident(name));
+  return nvf::Expressions<core::Ident>(std::move(result));
 }
 
 using Items = std::vector<core::EqnItem>;

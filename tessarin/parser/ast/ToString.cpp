@@ -354,6 +354,10 @@ void Printer::print(const Expr& expr, const ToStringContext& context) {
   expr.visit(KindPrinter{*this, context});
 }
 
+void Printer::print(const Expr& expr) {
+  print(expr, defaultContext());
+}
+
 // ---- paths and arguments
 // ----------------------------------------------------------------------------------------------------
 
@@ -430,6 +434,11 @@ void Printer::print(const EqnItem& item, const ToStringContext& context) {
   const Expr& expr = item.get<Expr>();
   if (context.asRValue()) return print(expr, ToStringContext(context).asRValue(false));
   print(expr, context);
+}
+
+void Printer::print(const FunctionEqnItem& item, const ToStringContext& context) {
+  if (const EqnAssertion* assertion = item.getIf<EqnAssertion>()) return print(*assertion, context.indent());
+  print(item.get<IdListValuePair>(), context);
 }
 
 namespace {
@@ -550,13 +559,6 @@ void Printer::print(const EventBlock& block, std::size_t indent, std::size_t ste
 // ---- the interface
 // ------------------------------------------------------------------------------------------------------------
 
-namespace {
-template <class... Arguments>
-ustring textOf(const Arguments&... arguments) {
-  return printed([&](Printer& printer) { printer.print(arguments...); });
-}
-} // namespace
-
 ustring to_string(const Expr& expr, const ToStringContext& context) {
   return textOf(expr, context);
 }
@@ -593,8 +595,7 @@ ustring to_string(const EqnItem& item, ToStringContext context) {
   return textOf(item, context.asRValue(false));
 }
 ustring to_string(const FunctionEqnItem& item, const ToStringContext& context) {
-  if (const EqnAssertion* assertion = item.getIf<EqnAssertion>()) return assertion->string(context.indent());
-  return item.get<IdListValuePair>().string(context);
+  return textOf(item, context);
 }
 ustring IdListValuePair::string(const ToStringContext& context) const {
   return textOf(*this, context);

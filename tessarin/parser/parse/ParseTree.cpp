@@ -332,6 +332,9 @@ std::ostream& operator<<(std::ostream& stream, const ParseTree& tree) {
   tree.out(stream, 0);
   return stream;
 }
+ustring dump_text(const ParseTree& tree) {
+  return nvf::utf8_string_to_ustring(tree.getText(0));
+}
 
 namespace {
 

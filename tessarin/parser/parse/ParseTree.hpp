@@ -247,6 +247,10 @@ inline const Token* ParseTreeData::right() const noexcept {
 }
 
 TESSARIN_EXPORT Ordering compare(const ParseTree& a, const ParseTree& b);
+/// Whether `compare` finds no difference: unlike in `equal`, places count.
+inline bool operator==(const ParseTree& a, const ParseTree& b) {
+  return compare(a, b) == Ordering::Equal;
+}
 /// Of a leaf, that of its token; of an inner node, of its kind and its children.
 TESSARIN_EXPORT std::size_t hash_value(const ParseTree& tree);
 /// Feeds a node's kind as 4 bytes and then its children, a leaf's token.
@@ -254,6 +258,8 @@ TESSARIN_EXPORT void incorporate_data(DigestSink& sink, const ParseTree& tree);
 /// Takes the places out of the tokens of this tree; trees that share nodes with it stay as they are.
 TESSARIN_EXPORT void strip_annotation_inplace(ParseTree& tree);
 TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const ParseTree& tree);
+/// The same listing, as the field of a node shows it.
+TESSARIN_EXPORT ustring dump_text(const ParseTree& tree);
 
 /// The dotted name that a tree of the statement language spells: `a.b` of `a.b(1).c`, for a subscript ends it. Empty
 /// where the tree begins with no name.

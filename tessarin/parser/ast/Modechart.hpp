@@ -1,0 +1,126 @@
+// Modecharts: small named state machines of a model. They record what the source says; whether a transition or an
+// initial entry names a mode that exists is not asked here.
+#pragma once
+
+#include "tessarin/parser/ast/EqnItem.hpp"
+
+#include <vector>
+
+namespace tessarin::compiler::core {
+
+/// The actions of a mode that take place when it is entered.
+class TESSARIN_EXPORT EntryBlock
+    : public nvf::TupleWrapper<EntryBlock, nvf::Expressions<IdentValuePair>, IgnoredRange> {
+public:
+  EntryBlock(const nvf::Expressions<IdentValuePair>& actions, const nvf::Range& range) : TupleWrapper(actions, range) {}
+  [[nodiscard]] const nvf::Expressions<IdentValuePair>& actions() const noexcept { return get<0>(); }
+  [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+};
+
+/// `mode a` or, where several names share one body, `mode {a, b}`. Equations print before entry actions, whatever their
+/// order in the source.
+class TESSARIN_EXPORT Mode : public nvf::TupleWrapper<Mode, nvf::Expressions<Ident>, std::vector<EquationBlock>,
+                                                      std::vector<EntryBlock>, IgnoredRange> {
+public:
+  Mode(const nvf::Expressions<Ident>& ids, const std::vector<EquationBlock>& equationBlocks,
+       const std::vector<EntryBlock>& entryBlocks, const nvf::Range& range)
+      : TupleWrapper(ids, equationBlocks, entryBlocks, range) {}
+  [[nodiscard]] const nvf::Expressions<Ident>& ids() const noexcept { return get<0>(); }
+  [[nodiscard]] const std::vector<EquationBlock>& equationBlocks() const noexcept { return get<1>(); }
+  [[nodiscard]] const std::vector<EntryBlock>& entryBlocks() const noexcept { return get<2>(); }
+  [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+};
+
+/// A `modes` section.
+class TESSARIN_EXPORT ModesSection : public nvf::TupleWrapper<ModesSection, std::vector<Mode>> {
+public:
+  explicit ModesSection(const std::vector<Mode>& modes) : TupleWrapper(modes) {}
+  [[nodiscard]] const std::vector<Mode>& modes() const noexcept { return get<0>(); }
+  [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+};
+
+/// `a->b->c : predicate`, a chain of two or more modes.
+class TESSARIN_EXPORT Transition : public nvf::TupleWrapper<Transition, nvf::Expressions<Ident>, Expr> {
+public:
+  Transition(const nvf::Expressions<Ident>& modes, const Expr& predicate) : TupleWrapper(modes, predicate) {}
+  /// In the order of the chain.
+  [[nodiscard]] const nvf::Expressions<Ident>& modes() const noexcept { return get<0>(); }
+  [[nodiscard]] const Expr& predicate() const noexcept { return get<1>(); }
+  [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+};
+
+/// A `transitions` section.
+class TESSARIN_EXPORT TransitionsSection : public nvf::TupleWrapper<TransitionsSection, std::vector<Transition>> {
+public:
+  explicit TransitionsSection(const std::vector<Transition>& transitions) : TupleWrapper(transitions) {}
+  [[nodiscard]] const std::vector<Transition>& transitions() const noexcept { return get<0>(); }
+  [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+};
+
+/// `mode : predicate`, an entry of an `initial` section.
+class TESSARIN_EXPORT InitialMode : public nvf::TupleWrapper<InitialMode, Ident, Expr> {
+public:
+  InitialMode(const Ident& id, const Expr& predicate) : TupleWrapper(id, predicate) {}
+  [[nodiscard]] const Ident& id() const noexcept { return get<0>(); }
+  [[nodiscard]] const Expr& predicate() const noexcept { return get<1>(); }
+  [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+};
+
+/// An `initial` section.
+class TESSARIN_EXPORT InitialSection : public nvf::TupleWrapper<InitialSection, std::vector<InitialMode>> {
+public:
+  explicit InitialSection(const std::vector<InitialMode>& initialModes) : TupleWrapper(initialModes) {}
+  [[nodiscard]] const std::vector<InitialMode>& initialModes() const noexcept { return get<0>(); }
+  [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+};
+
+/// A modechart. Sections of one sort stay apart and in the order of the source; each sort has a list of its own.
+class TESSARIN_EXPORT Modechart
+    : public nvf::TupleWrapper<Modechart, std::vector<ModesSection>, std::vector<TransitionsSection>,
+                               std::vector<InitialSection>, IgnoredRange> {
+public:
+  Modechart(const std::vector<ModesSection>& modesSections, const std::vector<TransitionsSection>& transitionsSections,
+            const std::vector<InitialSection>& initialSections, const nvf::Range& range)
+      : TupleWrapper(modesSections, transitionsSections, initialSections, range) {}
+  [[nodiscard]] const std::vector<ModesSection>& modesSections() const noexcept { return get<0>(); }
+  [[nodiscard]] const std::vector<TransitionsSection>& transitionsSections() const noexcept { return get<1>(); }
+  [[nodiscard]] const std::vector<InitialSection>& initialSections() const noexcept { return get<2>(); }
+  [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+};
+
+/// `name = modechart`.
+class TESSARIN_EXPORT ModechartDeclaration : public nvf::TupleWrapper<ModechartDeclaration, Ident, Modechart> {
+public:
+  ModechartDeclaration(const Ident& id, const Modechart& modechart) : TupleWrapper(id, modechart) {}
+  [[nodiscard]] const Ident& id() const noexcept { return get<0>(); }
+  [[nodiscard]] const Modechart& modechart() const noexcept { return get<1>(); }
+  [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+};
+
+/// A `modecharts` block.
+class TESSARIN_EXPORT ModechartBlock
+    : public nvf::TupleWrapper<ModechartBlock, nvf::Expressions<IdentValuePair>, std::vector<ModechartDeclaration>,
+                               detail::IgnoreValue<nvf::Location>> {
+public:
+  ModechartBlock(const nvf::Expressions<IdentValuePair>& attributes,
+                 const std::vector<ModechartDeclaration>& declarations, const nvf::Location& location)
+      : TupleWrapper(attributes, declarations, location) {}
+  [[nodiscard]] const nvf::Expressions<IdentValuePair>& attributes() const noexcept { return get<0>(); }
+  [[nodiscard]] const std::vector<ModechartDeclaration>& declarations() const noexcept { return get<1>(); }
+  /// The place of the keyword.
+  [[nodiscard]] const nvf::Location& location() const noexcept { return get<2>(); }
+  [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+};
+
+} // namespace tessarin::compiler::core
+
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::EntryBlock);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Mode);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ModesSection);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Transition);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::TransitionsSection);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::InitialMode);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::InitialSection);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Modechart);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ModechartDeclaration);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ModechartBlock);
