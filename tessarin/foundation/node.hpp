@@ -128,8 +128,7 @@ public:
   virtual void value(const ustring& text) = 0;
 };
 
-// ---- the operations over fields
-// -----------------------------------------------------------------------------------------
+// ---- the operations over fields ----
 
 /// Each operation over a field of any type. What is no container is asked through its own free function, which is found
 /// by its argument.
@@ -291,7 +290,8 @@ void show(DumpSink& sink, const T& field) {
   if constexpr (std::same_as<T, bool>) {
     sink.value(field ? u"true" : u"false");
   } else if constexpr (detail::Scalar<T>) {
-    sink.value(widen(std::to_string(static_cast<long long>(field))));
+    using Wide = std::conditional_t<std::is_unsigned_v<T>, unsigned long long, long long>;
+    sink.value(widen(std::to_string(static_cast<Wide>(field))));
   } else if constexpr (detail::Text<T>) {
     sink.value(field);
   } else if constexpr (detail::Ignored<T>) {
@@ -320,8 +320,7 @@ void show(DumpSink& sink, const T& field) {
 
 } // namespace fields
 
-// ---- the operations over classes
-// ----------------------------------------------------------------------------------------
+// ---- the operations over classes ----
 
 /// The operations over a class `T` that is a field tuple or a tagged union. They are declared `extern template` beside
 /// the class and compiled once, in the library. A class that is odd in one of them specialises that member.
@@ -484,8 +483,7 @@ private:
   SharedPtr<Block> block_;
 };
 
-// ---- tagged unions
-// --------------------------------------------------------------------------------------------------------
+// ---- tagged unions ----
 
 /// A value that is one of several alternatives, told apart by a number. The default is the first alternative's default.
 template <class Self, class... Alternatives>
@@ -515,10 +513,7 @@ public:
   /// first.
   template <class Visitor>
   decltype(auto) visit(Visitor&& visitor) const {
-    return with_stack([&]() -> decltype(auto) {
-      if (value_.valueless_by_exception()) throw std::logic_error("invalid visit");
-      return std::visit(visitor, value_);
-    });
+    return with_stack([&]() -> decltype(auto) { return std::visit(visitor, checked()); });
   }
   /// For `boost::apply_visitor`.
   template <class Visitor>
@@ -530,6 +525,10 @@ public:
 private:
   friend struct Operations<Self>;
   using Value = std::variant<Alternatives...>;
+  const Value& checked() const {
+    if (value_.valueless_by_exception()) throw std::logic_error("invalid visit");
+    return value_;
+  }
   Value value_;
 };
 
@@ -580,7 +579,7 @@ void Operations<T>::digest(DigestSink& sink, const T& value) {
 template <class T>
 Ordering Operations<T>::compare(const T& a, const T& b) {
   if constexpr (IsTaggedUnion<T>) {
-    return with_stack([&] { return fields::orderOf(a.value_, b.value_); });
+    return with_stack([&] { return fields::orderOf(a.checked(), b.checked()); });
   } else {
     if (a.identity() != nullptr && a.identity() == b.identity()) return Ordering::Equal;
     return detail::walk<T>([&] { return fields::orderOf(a.tuple(), b.tuple()); });
@@ -590,7 +589,7 @@ Ordering Operations<T>::compare(const T& a, const T& b) {
 template <class T>
 bool Operations<T>::equal(const T& a, const T& b) {
   if constexpr (IsTaggedUnion<T>) {
-    return with_stack([&] { return fields::areEqual<fields::Walk::Strict>(a.value_, b.value_); });
+    return with_stack([&] { return fields::areEqual<fields::Walk::Strict>(a.checked(), b.checked()); });
   } else {
     if (a.identity() != nullptr && a.identity() == b.identity()) return true;
     return detail::walk<T>([&] { return fields::areEqual<fields::Walk::Strict>(a.tuple(), b.tuple()); });
@@ -600,7 +599,7 @@ bool Operations<T>::equal(const T& a, const T& b) {
 template <class T>
 bool Operations<T>::equalLoosely(const T& a, const T& b) {
   if constexpr (IsTaggedUnion<T>) {
-    return with_stack([&] { return fields::areEqual<fields::Walk::Loose>(a.value_, b.value_); });
+    return with_stack([&] { return fields::areEqual<fields::Walk::Loose>(a.checked(), b.checked()); });
   } else {
     return detail::walk<T>([&] { return fields::areEqual<fields::Walk::Loose>(a.tuple(), b.tuple()); });
   }
@@ -631,8 +630,7 @@ void Operations<T>::dump(DumpSink& sink, const T& value) {
   }
 }
 
-// ---- handles
-// ----------------------------------------------------------------------------------------------------------------
+// ---- handles ----
 
 /// A shared value with copy-on-write, one pointer wide; it may be a field of a class on which `T` itself depends. Never
 /// empty but after it has been moved from, when it can only be destroyed or assigned to.
@@ -642,7 +640,7 @@ public:
   Handle() : block_(new Block(T())) {}
   Handle(const T& target) : block_(new Block(target)) {}       // NOLINT(google-explicit-constructor)
   Handle(T&& target) : block_(new Block(std::move(target))) {} // NOLINT(google-explicit-constructor)
-  explicit Handle(std::unique_ptr<T> target) : Handle(std::move(*target)) {}
+  explicit Handle(std::unique_ptr<T> target) : Handle(target ? std::move(*target) : T()) {}
 
   [[nodiscard]] const T& get() const noexcept { return block_->target; }
   /// The target for changing it: it is copied first where other handles share it.

@@ -1,5 +1,7 @@
 #include "tessarin/foundation/stack.hpp"
 
+#include "tessarin/foundation/sanitizer.hpp"
+
 #include <boost/context/fiber.hpp>
 #include <boost/context/protected_fixedsize_stack.hpp>
 
@@ -9,25 +11,11 @@
 #include <vector>
 
 // The sanitizers have to be told of every switch to another stack.
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define TESSARIN_ASAN
-#endif
-#if __has_feature(thread_sanitizer)
-#define TESSARIN_TSAN
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__)
-#define TESSARIN_ASAN
-#endif
-#if defined(__SANITIZE_THREAD__)
-#define TESSARIN_TSAN
-#endif
-#if defined(TESSARIN_ASAN)
+#if TESSARIN_ADDRESS_SANITIZER
 #include <sanitizer/asan_interface.h>
 #include <sanitizer/common_interface_defs.h>
 #endif
-#if defined(TESSARIN_TSAN)
+#if TESSARIN_THREAD_SANITIZER
 #include <sanitizer/tsan_interface.h>
 #endif
 
@@ -106,7 +94,7 @@ struct PooledStack {
   static void deallocate(context::stack_context& used) noexcept { segmentPool().give(used); }
 };
 
-#if defined(TESSARIN_TSAN)
+#if TESSARIN_THREAD_SANITIZER
 class TsanFiber {
 public:
   TsanFiber() : former_(__tsan_get_current_fiber()), fiber_(__tsan_create_fiber(0)) {}
@@ -139,21 +127,21 @@ void run_on_fresh_segment(void (*function)(void*), void* argument) {
   const Bounds former = currentBounds;
   const Bounds fresh{top - segment.size, top};
   std::exception_ptr failure;
-#if defined(TESSARIN_TSAN)
+#if TESSARIN_THREAD_SANITIZER
   const TsanFiber tsan;
 #endif
-#if defined(TESSARIN_ASAN)
+#if TESSARIN_ADDRESS_SANITIZER
   void* fakeStack = nullptr;
   const void* formerBottom = nullptr;
   std::size_t formerSize = 0;
 #endif
 
-#if defined(TESSARIN_ASAN)
+#if TESSARIN_ADDRESS_SANITIZER
   // The last frames of the segment's former use never returned, so their red zones are still marked.
   __asan_unpoison_memory_region(reinterpret_cast<const void*>(fresh.low), fresh.size());
 #endif
   context::fiber fiber(std::allocator_arg, PooledStack{segment}, [&](context::fiber&& caller) {
-#if defined(TESSARIN_ASAN)
+#if TESSARIN_ADDRESS_SANITIZER
     __sanitizer_finish_switch_fiber(nullptr, &formerBottom, &formerSize);
 #endif
     try {
@@ -161,24 +149,24 @@ void run_on_fresh_segment(void (*function)(void*), void* argument) {
     } catch (...) {
       failure = std::current_exception();
     }
-#if defined(TESSARIN_TSAN)
+#if TESSARIN_THREAD_SANITIZER
     tsan.leave();
 #endif
-#if defined(TESSARIN_ASAN)
+#if TESSARIN_ADDRESS_SANITIZER
     __sanitizer_start_switch_fiber(nullptr, formerBottom, formerSize);
 #endif
     return std::move(caller);
   });
 
   currentBounds = fresh;
-#if defined(TESSARIN_ASAN)
+#if TESSARIN_ADDRESS_SANITIZER
   __sanitizer_start_switch_fiber(&fakeStack, reinterpret_cast<const void*>(fresh.low), fresh.size());
 #endif
-#if defined(TESSARIN_TSAN)
+#if TESSARIN_THREAD_SANITIZER
   tsan.enter();
 #endif
   fiber = std::move(fiber).resume();
-#if defined(TESSARIN_ASAN)
+#if TESSARIN_ADDRESS_SANITIZER
   __sanitizer_finish_switch_fiber(fakeStack, nullptr, nullptr);
 #endif
   currentBounds = former;

@@ -53,6 +53,8 @@ TEST(AstLaws, HashesStartFromKnownValues) {
   EXPECT_EQ(hash_value(Expr(EndIndex())), nvf::hash_combine(0xe6546b64U, 1));
   EXPECT_EQ(hash_value(NoMessage()), 0U);
   EXPECT_EQ(hash_value(colon()), nvf::hash_combine(0, 0));
+  const core::IfExpr ifExpr = ifThen(name("c"), {name("a")}, {});
+  EXPECT_EQ(hash_value(core::ModechartEqnExpr(ifExpr)), hash_value(ifExpr)) << "nothing of its own";
 }
 
 TEST(AstLaws, DigestBytesOfEachKind) {

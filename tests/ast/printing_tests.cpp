@@ -150,7 +150,7 @@ TEST(Printing, IndentedForm) {
 TEST(Printing, Assertions) {
   const nvf::MessageId messageId = *nvf::MessageId::make(u"a:b");
   const auto text = [](const EqnAssertion::Message& message, const std::optional<Expr>& action) {
-    return EqnAssertion(name("p"), message, action, nvf::Range()).string(2);
+    return EqnAssertion(name("p"), message, action, nvf::Range()).string(core::Indentation{2});
   };
   EXPECT_EQ(text(NoMessage(), std::nullopt), u"  assert(p)");
   EXPECT_EQ(text(PreformattedMessage(nvf::MessageId(), u"it's"), std::nullopt), u"  assert(p, 'it''s')");

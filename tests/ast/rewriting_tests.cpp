@@ -126,7 +126,14 @@ TEST(Rewriting, EveryOperationWorksOnDeepTreesOnASmallStack) {
                : i % 3 == 1 ? op(OpExprType::UnaryMinus, nested)
                             : call("f", {nested});
     }
-    for (const Expr& expr : {sum, nested}) {
+    Expr scopes = name("a");
+    for (int i = 0; i < 10'000; ++i) scopes = let({declaration("x", number("1"))}, {scopes});
+    ToStringContext mapping;
+    mapping.mapIdentifierFcn(std::make_shared<const ToStringContext::MapIdentifierFcn>([](const nvf::CxId& id) {
+      return nvf::CxIdPath({core::Ident(id, {}).id(), id});
+    }));
+    EXPECT_NE(to_string(scopes, mapping).find(u"a.a"), nvf::ustring::npos);
+    for (const Expr& expr : {sum, nested, scopes}) {
       Replace visitor(name("a"), name("b"));
       Expr copy = visitor.process(expr);
       EXPECT_FALSE(copy == expr);

@@ -78,8 +78,8 @@ TEST(ParseTree, Roll) {
   }
 
   std::vector<ParseTree> out{leaf("x")};
-  roll(K::IdList, rows[2].tree, out);
-  roll(K::IdList, leaf("c"), out);
+  rows[2].tree.roll(K::IdList, out);
+  leaf("c").roll(K::IdList, out);
   EXPECT_EQ(expressionOf(node(K::Row, out)), "(Row x a b c)") << "what was there stays";
 }
 

@@ -135,5 +135,28 @@ TEST(Parser, ParsersOnSeveralThreads) {
   EXPECT_EQ(same, 200);
 }
 
+TEST(Parser, NodesOutliveTheParserAndDieOnAnyThread) {
+  std::string text = "component c\nequations\n";
+  for (int i = 0; i < 2000; ++i) text += "a(" + std::to_string(i) + ") == b;\n";
+  text += "end\nend\n";
+  // Pieces of the tree, which keep alive the memory that they lie in and no more of the tree.
+  std::vector<ParseTree> pieces;
+  {
+    const ParseTree equations = Parser(bufferOf(text)).parse().child(1).child(4);
+    for (std::size_t i = 0; i < equations.count(); ++i) pieces.push_back(equations.child(i));
+  }
+  ASSERT_FALSE(pieces.empty());
+  const std::size_t hash = hash_value(pieces.front());
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([copies = pieces, hash]() mutable {
+      EXPECT_EQ(hash_value(copies.front()), hash);
+      copies.clear();
+    });
+  }
+  pieces.clear();
+  for (std::thread& thread : threads) thread.join();
+}
+
 } // namespace
 } // namespace tessarin::test

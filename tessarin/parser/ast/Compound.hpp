@@ -253,5 +253,11 @@ TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::TransitionExpr);
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IdListValuePair);
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ElseifBranch);
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IfExpr);
+namespace nvf {
+/// Hashes as the `if` that it wraps: intended.
+template <>
+std::size_t
+Operations<tessarin::compiler::core::ModechartEqnExpr>::hash(const tessarin::compiler::core::ModechartEqnExpr& expr);
+} // namespace nvf
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ModechartEqnExpr);
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::LetExpr);

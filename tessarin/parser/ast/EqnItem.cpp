@@ -185,6 +185,11 @@ void nvf::Operations<tessarin::compiler::core::EqnItem>::strip(tessarin::compile
 TESSARIN_DEFINE_OPERATIONS(tessarin::compiler::core::IdListValuePair);
 TESSARIN_DEFINE_OPERATIONS(tessarin::compiler::core::ElseifBranch);
 TESSARIN_DEFINE_OPERATIONS(tessarin::compiler::core::IfExpr);
+template <>
+std::size_t nvf::Operations<tessarin::compiler::core::ModechartEqnExpr>::hash(
+    const tessarin::compiler::core::ModechartEqnExpr& expr) {
+  return hash_value(expr.expr());
+}
 TESSARIN_DEFINE_OPERATIONS(tessarin::compiler::core::ModechartEqnExpr);
 TESSARIN_DEFINE_OPERATIONS(tessarin::compiler::core::LetExpr);
 TESSARIN_DEFINE_OPERATIONS(tessarin::compiler::core::NoMessage);

@@ -2,7 +2,9 @@
 #pragma once
 
 #include "tessarin/parser/ast/Expr.hpp"
+#include "tessarin/parser/ast/ToStringContext.hpp"
 
+#include <iosfwd>
 #include <optional>
 #include <variant>
 #include <vector>
@@ -69,8 +71,8 @@ public:
   [[nodiscard]] const Message& message() const noexcept { return get<1>(); }
   [[nodiscard]] const std::optional<Expr>& action() const noexcept { return get<2>(); }
   [[nodiscard]] nvf::Range range() const noexcept { return range_; }
-  /// The text behind `indent` blanks.
-  [[nodiscard]] ustring string(std::size_t indent) const;
+  /// The text behind so many blanks.
+  [[nodiscard]] ustring string(Indentation indent) const;
 
   /// "assert".
   static const nvf::CxId& ctor();
@@ -95,6 +97,8 @@ TESSARIN_EXPORT nvf::Location eqnitem_location(const EqnItem& item);
 TESSARIN_EXPORT std::size_t eqnitem_line(const EqnItem& item);
 /// The item at the head of a line: it gets the indent of the context.
 TESSARIN_EXPORT ustring to_string(const EqnItem& item, ToStringContext context);
+/// Writes the default form in the local encoding.
+TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const EqnItem& item);
 
 /// An item of the body of a function: a declaration (0) or an assertion (1).
 class TESSARIN_EXPORT FunctionEqnItem : public nvf::TaggedUnion<FunctionEqnItem, IdListValuePair, EqnAssertion> {

@@ -31,6 +31,7 @@ public:
 /// The text as it stands: a number keeps its source spelling, so that `1.50` and `1.5` differ.
 struct TESSARIN_EXPORT SimpleOutputter {
   void operator()(ustring& out, const nvf::NumberString& number) const;
+  void operator()(std::ostream& stream, const nvf::NumberString& number) const;
 };
 
 /// Single quotes around the text, each quote in it doubled.
@@ -44,6 +45,8 @@ struct TESSARIN_EXPORT CharacterVectorOutputter {
 /// Single quotes around the text of a unit. Quotes in it are not doubled: a unit text is never escaped, intended.
 struct TESSARIN_EXPORT SingleQuoteOutputter {
   void operator()(ustring& out, const nvf::ExprString& unit) const;
+  /// In the local encoding.
+  void operator()(std::ostream& stream, const nvf::ExprString& unit) const;
 };
 
 using NumberLiteral = Literal<nvf::NumberString, SimpleOutputter>;

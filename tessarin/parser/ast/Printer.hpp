@@ -139,7 +139,7 @@ public:
   }
 
 private:
-  friend struct KindPrinter;
+  friend struct ToStringVisitor;
 
   void print(const Subscript& subscript, const ToStringContext& context);
   template <class Steps>

@@ -3,6 +3,7 @@
 
 #include "tessarin/parser/ast/Ident.hpp"
 
+#include <iosfwd>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -97,6 +98,8 @@ public:
 };
 TESSARIN_EXPORT nvf::Range range(const Arguments& arguments);
 TESSARIN_EXPORT ustring to_string(const Arguments& arguments, const ToStringContext& context);
+/// Writes the default form in the local encoding.
+TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const Arguments& arguments);
 
 } // namespace tessarin::compiler::core
 

@@ -7,6 +7,7 @@
 
 #include <ostream>
 #include <set>
+#include <stdexcept>
 
 namespace tessarin::compiler::core {
 
@@ -30,39 +31,18 @@ const ToStringContext& defaultContext() {
   return context;
 }
 
-/// Keeps the names that a `let` binds from being mapped.
-struct FilterLet {
-  std::shared_ptr<const std::set<nvf::CxId>> bound;
-  std::shared_ptr<const ToStringContext::MapIdentifierFcn> outer;
-  nvf::CxIdPath operator()(const nvf::CxId& id) const {
-    return bound->contains(id) ? nvf::CxIdPath({id}) : (*outer)(id);
-  }
-};
-
-ToStringContext withoutMapping(const std::vector<IdListValuePair>& declarations, const ToStringContext& context) {
-  auto bound = std::make_shared<std::set<nvf::CxId>>();
-  for (const IdListValuePair& declaration : declarations) {
-    for (const OptIdent& id : declaration.ids()) {
-      if (const Ident* ident = id.getIf<Ident>()) bound->insert(ident->id());
-    }
-  }
-  ToStringContext inner = context;
-  inner.mapIdentifierFcn(std::make_shared<const ToStringContext::MapIdentifierFcn>(
-      FilterLet{std::move(bound), context.mapIdentifierFcn()}));
-  return inner;
-}
-
 std::u16string_view bit(bool value) {
   return value ? u"1" : u"0";
 }
 
 } // namespace
 
-// ---- expressions by kind
-// --------------------------------------------------------------------------------------------------
+// ---- expressions by kind ----
 
 /// Prints each kind under one context. What prints no lead stands without its indent: intended.
-struct KindPrinter {
+struct ToStringVisitor {
+  struct FilterLet;
+
   Printer& out;
   const ToStringContext& context;
   RValue inner{context};
@@ -159,9 +139,9 @@ struct KindPrinter {
     out << u")";
   }
   void operator()(const ModechartEqnExpr& modechart) const {
-    if (context.asUserStr()) return KindPrinter{out, inner}(modechart.expr());
+    if (context.asUserStr()) return print(Expr(modechart.expr()));
     out << ModechartEqnExpr::ctor() << u"(";
-    KindPrinter{out, defaultContext()}(modechart.expr());
+    out.print(Expr(modechart.expr()), defaultContext());
     out << u")";
   }
 
@@ -175,7 +155,7 @@ struct KindPrinter {
   /// Prints the variable that a resolved form came from, where that is what the user is to see.
   bool printedOriginal(const std::optional<Variable>& original) const {
     if (!context.asUserStr() || !original) return false;
-    KindPrinter{out, inner}(*original);
+    print(Expr(*original));
     return true;
   }
   void operator()(const FullPathVariable& path) const {
@@ -198,7 +178,7 @@ struct KindPrinter {
     if (path.subs()) arguments.insert(arguments.end(), path.subs()->subs().begin(), path.subs()->subs().end());
     const Variable call(Ident(RelativePathVariable::ctor(), nvf::Range()), {}, Arguments(arguments, {}, nvf::Range()),
                         nvf::Range());
-    KindPrinter{out, inner}(call);
+    ToStringVisitor{out, inner}(call);
   }
   void operator()(const ValueRef& ref) const {
     if (printedOriginal(ref.originalVariable())) return;
@@ -268,6 +248,7 @@ struct KindPrinter {
     printIn(op.operandAt(1), precedence <= expr_precedence(op.operandAt(1)));
   }
   void operator()(const OpExpr& op) const {
+    if (op.numOfOperands() < op.arity()) throw std::logic_error("an operator without its operands has no text");
     const auto looser = [&op](const Expr& operand) { return op.precedence() < expr_precedence(operand); };
     const ustring image = OpExpr::typeString(op.opType());
     switch (op.opType()) {
@@ -330,19 +311,53 @@ struct KindPrinter {
     printItems(expr.elseEqnItems(), context, end);
     out.blanks(context.indent()) << u"end";
   }
-  void operator()(const LetExpr& expr) const {
-    const std::u16string_view end = context.indent() != 0 ? u"\n" : u" ";
-    lead() << u"let" << end;
-    const ToStringContext further = context.incrementIndent(1);
-    for (const IdListValuePair& declaration : expr.declarations()) {
-      out.print(declaration, further);
-      out << u";" << end;
+  void operator()(const LetExpr& expr) const;
+};
+
+/// Keeps the names that a `let` and those around it bind from being mapped.
+struct ToStringVisitor::FilterLet {
+  std::shared_ptr<const std::set<nvf::CxId>> bound;
+  std::shared_ptr<const ToStringContext::MapIdentifierFcn> outer;
+
+  /// Asks the scopes from the inside outwards, in a loop, for they nest as deep as text likes.
+  nvf::CxIdPath operator()(const nvf::CxId& id) const {
+    for (const FilterLet* scope = this;;) {
+      if (scope->bound->contains(id)) return nvf::CxIdPath({id});
+      const auto* further = scope->outer->target<FilterLet>();
+      if (further == nullptr) return (*scope->outer)(id);
+      scope = further;
     }
-    out.blanks(context.indent()) << u"in" << end;
-    printItems(expr.eqnItemList(), withoutMapping(expr.declarations(), context), end);
-    out.blanks(context.indent()) << u"end";
+  }
+
+  /// The context for the items of a `let`.
+  static ToStringContext around(const LetExpr& let, const ToStringContext& context) {
+    // The default function maps nothing, so there is nothing to keep from it.
+    if (context.mapIdentifierFcn() == ToStringContext::makeDefaultMapIdentifierFcn()) return context;
+    auto bound = std::make_shared<std::set<nvf::CxId>>();
+    for (const IdListValuePair& declaration : let.declarations()) {
+      for (const OptIdent& id : declaration.ids()) {
+        if (const Ident* ident = id.getIf<Ident>()) bound->insert(ident->id());
+      }
+    }
+    ToStringContext inner = context;
+    inner.mapIdentifierFcn(std::make_shared<const ToStringContext::MapIdentifierFcn>(
+        FilterLet{std::move(bound), context.mapIdentifierFcn()}));
+    return inner;
   }
 };
+
+void ToStringVisitor::operator()(const LetExpr& expr) const {
+  const std::u16string_view end = context.indent() != 0 ? u"\n" : u" ";
+  lead() << u"let" << end;
+  const ToStringContext further = context.incrementIndent(1);
+  for (const IdListValuePair& declaration : expr.declarations()) {
+    out.print(declaration, further);
+    out << u";" << end;
+  }
+  out.blanks(context.indent()) << u"in" << end;
+  printItems(expr.eqnItemList(), FilterLet::around(expr, context), end);
+  out.blanks(context.indent()) << u"end";
+}
 
 void Printer::print(const Expr& expr, const ToStringContext& context) {
   if (context.outputFcn()) {
@@ -351,15 +366,14 @@ void Printer::print(const Expr& expr, const ToStringContext& context) {
       return;
     }
   }
-  expr.visit(KindPrinter{*this, context});
+  expr.visit(ToStringVisitor{*this, context});
 }
 
 void Printer::print(const Expr& expr) {
   print(expr, defaultContext());
 }
 
-// ---- paths and arguments
-// ----------------------------------------------------------------------------------------------------
+// ---- paths and arguments ----
 
 void Printer::printIndices(const IdParenSubs& step, const ToStringContext& context) {
   if (step.subs()) print(*step.subs(), context);
@@ -426,8 +440,7 @@ void Printer::print(const IdParenSubs& step, const ToStringContext& context) {
   printIndices(step, context);
 }
 
-// ---- items
-// ------------------------------------------------------------------------------------------------------------------
+// ---- items ----
 
 void Printer::print(const EqnItem& item, const ToStringContext& context) {
   if (const EqnAssertion* assertion = item.getIf<EqnAssertion>()) return print(*assertion, context.indent());
@@ -506,8 +519,7 @@ void Printer::print(const IdentValuePair& pair) {
   print(pair.value(), defaultContext());
 }
 
-// ---- blocks
-// -----------------------------------------------------------------------------------------------------------------
+// ---- blocks ----
 
 void Printer::printAttributes(const nvf::Expressions<IdentValuePair>& attributes) {
   if (attributes.empty()) return;
@@ -556,8 +568,7 @@ void Printer::print(const EventBlock& block, std::size_t indent, std::size_t ste
   blanks(indent) << u"end";
 }
 
-// ---- the interface
-// ------------------------------------------------------------------------------------------------------------
+// ---- the interface ----
 
 ustring to_string(const Expr& expr, const ToStringContext& context) {
   return textOf(expr, context);
@@ -567,6 +578,12 @@ ustring to_string(const Expr& expr) {
 }
 ustring to_user_string(const Expr& expr) {
   return textOf(expr, ToStringContext().asUserStr(true));
+}
+std::ostream& operator<<(std::ostream& stream, const Arguments& arguments) {
+  return stream << nvf::ustring_to_local_encoded_string(arguments.string(defaultContext()));
+}
+std::ostream& operator<<(std::ostream& stream, const EqnItem& item) {
+  return stream << nvf::ustring_to_local_encoded_string(to_string(item, defaultContext()));
 }
 std::ostream& operator<<(std::ostream& stream, const Expr& expr) {
   return stream << nvf::ustring_to_local_encoded_string(to_string(expr));
@@ -603,8 +620,8 @@ ustring IdListValuePair::string(const ToStringContext& context) const {
 ustring IdentValuePair::string() const {
   return textOf(*this);
 }
-ustring EqnAssertion::string(std::size_t indent) const {
-  return textOf(*this, indent);
+ustring EqnAssertion::string(Indentation indent) const {
+  return textOf(*this, indent.value);
 }
 ustring EquationBlock::string(std::size_t indent, std::size_t step) const {
   return textOf(*this, indent, step);
@@ -622,11 +639,14 @@ ustring ElseWhenBranch::string(std::size_t indent, std::size_t step) const {
   return textOf(std::u16string_view(u"elsewhen "), *this, indent, step);
 }
 
-// ---- literals
-// -------------------------------------------------------------------------------------------------------------------
+// ---- literals ----
 
 void SimpleOutputter::operator()(ustring& out, const nvf::NumberString& number) const {
   out += number.view();
+}
+
+void SimpleOutputter::operator()(std::ostream& stream, const nvf::NumberString& number) const {
+  stream << nvf::ustring_to_local_encoded_string(ustring(number.view()));
 }
 
 void CharacterVectorOutputter::operator()(ustring& out, const ustring& text) const {
@@ -651,6 +671,12 @@ void SingleQuoteOutputter::operator()(ustring& out, const nvf::ExprString& unit)
   out += u'\'';
   out += unit.view();
   out += u'\'';
+}
+
+void SingleQuoteOutputter::operator()(std::ostream& stream, const nvf::ExprString& unit) const {
+  ustring quoted;
+  (*this)(quoted, unit);
+  stream << nvf::ustring_to_local_encoded_string(quoted);
 }
 
 } // namespace tessarin::compiler::core

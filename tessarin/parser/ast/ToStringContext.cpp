@@ -9,7 +9,7 @@ ToStringContext::ToStringContext()
     : unitExprFcn_(makeDefaultUnitExprFcn()), mapIdentifierFcn_(makeDefaultMapIdentifierFcn()) {}
 
 ToStringContext& ToStringContext::unitExprFcn(std::shared_ptr<const UnitExprFcn> function) {
-  unitExprFcn_ = std::move(function);
+  unitExprFcn_ = function ? std::move(function) : makeDefaultUnitExprFcn();
   return *this;
 }
 ToStringContext& ToStringContext::fvaAsStruct(bool value) noexcept {
@@ -33,7 +33,7 @@ ToStringContext& ToStringContext::indent(Indentation value) noexcept {
   return *this;
 }
 ToStringContext& ToStringContext::mapIdentifierFcn(std::shared_ptr<const MapIdentifierFcn> function) {
-  mapIdentifierFcn_ = std::move(function);
+  mapIdentifierFcn_ = function ? std::move(function) : makeDefaultMapIdentifierFcn();
   return *this;
 }
 ToStringContext& ToStringContext::outputFcn(OutputFcn function) {

@@ -1,7 +1,7 @@
 // How a tree is printed.
 //
 // There are two readers. The compiler rereads its own output: the reserved call forms keep all information, and a
-// printed tree parses back to an equal tree (printing_exceptions in docs/architecture.md lists what does not). The user
+// printed tree parses back to an equal tree (docs/architecture.md lists what does not). The user
 // sees what the user wrote.
 #pragma once
 
@@ -40,7 +40,7 @@ public:
 
   ToStringContext();
 
-  /// Prints a `UnitExpr`.
+  /// Prints a `UnitExpr`. Null sets the default, as for the next but three.
   [[nodiscard]] const std::shared_ptr<const UnitExprFcn>& unitExprFcn() const noexcept { return unitExprFcn_; }
   ToStringContext& unitExprFcn(std::shared_ptr<const UnitExprFcn> function);
   /// Whether a `FieldValueArrayExpr` is printed as a `struct(…)` call.

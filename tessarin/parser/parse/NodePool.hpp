@@ -4,6 +4,7 @@
 // moves an offset, and a chunk goes away with the last node in it. Nodes outlive the pool, and may die on any thread.
 #pragma once
 
+#include "tessarin/foundation/sanitizer.hpp"
 #include "tessarin/foundation/shared_block.hpp"
 
 #include <cstddef>
@@ -45,14 +46,15 @@ private:
   };
   static_assert(sizeof(Chunk) <= sizeof(Word));
 
-#if defined(__SANITIZE_ADDRESS__)
+#if TESSARIN_ADDRESS_SANITIZER
   static constexpr std::size_t largestPiece = 0; // each node apart, so that a use of a dead one is seen
 #else
   static constexpr std::size_t largestPiece = 4096;
 #endif
-  static constexpr std::size_t smallestChunk = 512; // in words
+  static constexpr std::size_t smallestChunk = 1024; // in words
   static constexpr std::size_t largestChunk = 8192;
   static constexpr std::uint32_t open = 1U << 30U;
+  static_assert(largestPiece / sizeof(Word) < smallestChunk, "a fresh chunk has room for any piece behind its head");
 
   Piece take(std::size_t words) {
     if (words > size_ - used_) nextChunk();

@@ -266,8 +266,10 @@ Ordering NonTerminalData::compare(const NonTerminalData& other) const {
 const ParseTree ParseTree::DEFAULT_DATA;
 
 const ParseTreeData* ParseTree::defaultData() noexcept {
-  static const TerminalData data(Token(), 0);
-  return &data;
+  // Never destroyed: handles with static storage may outlive it.
+  alignas(TerminalData) static std::byte memory[sizeof(TerminalData)];
+  static const auto* data = ::new (memory) TerminalData(Token(), 0);
+  return data;
 }
 
 ParseTree::ParseTree(const Token& token) : data_(TerminalData::make(token, nullptr)) {}
@@ -291,7 +293,7 @@ ParseTreeData* ParseTree::data() {
 
 ParseTree ParseTree::roll() const {
   std::vector<ParseTree> children;
-  core::roll(code(), *this, children);
+  roll(code(), children);
   return {code(), children};
 }
 
@@ -305,13 +307,13 @@ std::string ParseTree::getText(std::size_t) const {
   return stream.str();
 }
 
-void roll(NonTerminal::Value kind, const ParseTree& tree, std::vector<ParseTree>& out) {
-  if (!tree.isNonTerminalType(kind)) {
-    out.push_back(tree);
+void ParseTree::roll(NonTerminal::Value kind, std::vector<ParseTree>& out) const {
+  if (!isNonTerminalType(kind)) {
+    out.push_back(*this);
     return;
   }
   with_stack([&] {
-    for (const ParseTree& child : static_cast<const NonTerminalData*>(tree.data())->children()) roll(kind, child, out);
+    for (const ParseTree& tree : static_cast<const NonTerminalData*>(data())->children()) tree.roll(kind, out);
   });
 }
 
@@ -333,7 +335,17 @@ std::ostream& operator<<(std::ostream& stream, const ParseTree& tree) {
   return stream;
 }
 ustring dump_text(const ParseTree& tree) {
-  return nvf::utf8_string_to_ustring(tree.getText(0));
+  struct Texts final : ParseTreeVisitor {
+    ustring joined;
+    bool wantsToken(TokenId::Value) override { return true; }
+    void visitToken(const Token& token) override {
+      if (!joined.empty()) joined += u' ';
+      joined += token.text().view();
+    }
+  };
+  Texts texts;
+  tree.visit(texts);
+  return std::move(texts.joined);
 }
 
 namespace {
@@ -400,7 +412,7 @@ void ParseTreeBuilder::extend(ParseTree& list, ParseTree&& item) {
     return;
   }
   std::vector<ParseTree> parts;
-  core::roll(list.code(), item, parts);
+  item.roll(list.code(), parts);
   for (ParseTree& part : parts) append(list, std::move(part));
 }
 

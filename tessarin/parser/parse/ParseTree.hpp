@@ -132,6 +132,8 @@ public:
   [[nodiscard]] ParseTree trim(std::size_t n) const { return data()->trim(n); }
   /// A node of the same kind in which all nested nodes of that kind are replaced by what they hold.
   [[nodiscard]] ParseTree roll() const;
+  /// Appends to `out`, in order, what this tree holds that is no node of `kind`: the step that `roll()` takes.
+  void roll(NonTerminal::Value kind, std::vector<ParseTree>& out) const;
   void visit(ParseTreeVisitor& visitor) const { data()->visit(visitor); }
   /// Whether kinds and tokens are the same; places do not count.
   [[nodiscard]] bool equal(const ParseTree& other) const;
@@ -151,9 +153,6 @@ private:
   // Empty stands for the default node, which thus needs no count that all threads would have to share.
   nvf::SharedPtr<ParseTreeData> data_;
 };
-
-/// Appends to `out`, in order, what `tree` holds that is no node of `kind`: the step that `roll` takes.
-TESSARIN_EXPORT void roll(NonTerminal::Value kind, const ParseTree& tree, std::vector<ParseTree>& out);
 
 /// A leaf.
 class TESSARIN_EXPORT TerminalData final : public ParseTreeDataShim<TerminalData> {
@@ -258,11 +257,11 @@ TESSARIN_EXPORT void incorporate_data(DigestSink& sink, const ParseTree& tree);
 /// Takes the places out of the tokens of this tree; trees that share nodes with it stay as they are.
 TESSARIN_EXPORT void strip_annotation_inplace(ParseTree& tree);
 TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const ParseTree& tree);
-/// The same listing, as the field of a node shows it.
+/// The texts of the tokens, as the field of a node shows them: a listing would grow with the square of a long sum.
 TESSARIN_EXPORT ustring dump_text(const ParseTree& tree);
 
 /// The dotted name that a tree of the statement language spells: `a.b` of `a.b(1).c`, for a subscript ends it. Empty
-/// where the tree begins with no name.
+/// where the tree begins with no name, and so no `CxIdPath`, which has one name at least.
 TESSARIN_EXPORT nvf::BasicCxIdPath<0> dot_path(const ParseTree& tree);
 
 } // namespace tessarin::compiler::core

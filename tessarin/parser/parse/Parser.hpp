@@ -15,8 +15,8 @@
 namespace tessarin::compiler::core {
 
 /// How deep the nodes of a parse tree may nest. The items of a list stand side by side however many there are, and a
-/// chain of operators that group to the left (`a + b + …`, `a.b.…`) does not count either. Text that nests deeper
-/// raises the message `DeepStatements`.
+/// chain of operators that group to the left (`a + b + …`, `a.b.…`) does not count either; a chain of `.der` does, for
+/// it has the shape of nested calls. Text that nests deeper raises the message `DeepStatements`.
 inline constexpr std::uint32_t maxNesting = 50'000;
 
 struct ParserState;

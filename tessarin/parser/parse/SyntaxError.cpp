@@ -53,6 +53,12 @@ void plain(const ParserState& state, const std::string&) {
   raise<Msg>(state.current.location());
 }
 
+/// With the token's text.
+template <class Msg>
+void withText(const ParserState& state, const std::string&) {
+  raise<Msg>(state.current.location(), state.current.text().view());
+}
+
 /// With the token's text, "????" where it has none.
 template <class Msg>
 void withToken(const ParserState& state, const std::string&) {
@@ -85,10 +91,10 @@ struct Row {
 constexpr auto inEquations = std::to_array<Row>({
     {TokenId::LT, TokenId::NOT, plain<messages::IllegalEquationOperator>},
     {TokenId::LB, TokenId::RC, plain<messages::ImproperGrouping>},
-    {TokenId::FOR, TokenId::FOR, withToken<messages::IllegalEquationControlFlow>},
-    {TokenId::SWITCH, TokenId::SWITCH, withToken<messages::IllegalEquationControlFlow>},
-    {TokenId::TRY, TokenId::TRY, withToken<messages::IllegalEquationControlFlow>},
-    {TokenId::WHILE, TokenId::WHILE, withToken<messages::IllegalEquationControlFlow>},
+    {TokenId::FOR, TokenId::FOR, withText<messages::IllegalEquationControlFlow>},
+    {TokenId::SWITCH, TokenId::SWITCH, withText<messages::IllegalEquationControlFlow>},
+    {TokenId::TRY, TokenId::TRY, withText<messages::IllegalEquationControlFlow>},
+    {TokenId::WHILE, TokenId::WHILE, withText<messages::IllegalEquationControlFlow>},
     {TokenId::EQUATIONS, TokenId::EQUATION, plain<messages::IllegalNestedEquation>},
 });
 
