@@ -1,0 +1,53 @@
+// What the parts of the builder share.
+#pragma once
+
+#include "tessarin/foundation/message.hpp"
+#include "tessarin/foundation/terminate.hpp"
+#include "tessarin/parser/parse/ParseTree.hpp"
+
+#include <cstddef>
+#include <span>
+#include <type_traits>
+#include <vector>
+
+namespace tessarin::compiler::core {
+
+/// Raises the message `Msg` of the ast family at a place; these messages do not show the column.
+template <class Msg, class... Arguments>
+[[noreturn]] void raiseAt(const nvf::Location& location, const Arguments&... arguments) {
+  throw nvf::LocatedError<Msg>(location, false, arguments...);
+}
+
+/// Reports a tree that the grammar does not yield.
+[[noreturn]] inline void fatal(const char* text, int line, const char* signature) {
+  nvf::terminate(text, "parser/ast/ASTBuilder", line, signature);
+}
+
+inline constexpr const char* notRecognized = "Parse tree node not recognized.";
+
+/// The child at `i`. Where there is none, the tree is one that the grammar does not yield.
+inline const ParseTree& childOf(const ParseTree& tree, std::size_t i) {
+  if (i >= tree.count())
+    fatal(notRecognized, 118,
+          "const tessarin::compiler::core::ParseTree& childOf(const "
+          "tessarin::compiler::core::ParseTree&, size_t)");
+  return tree.child(i);
+}
+
+/// The children of a non-terminal from the one at `first` on. Any other tree is a fatal diagnostic.
+inline std::span<const ParseTree> childrenOf(const ParseTree& tree, std::size_t first = 0) {
+  const std::size_t count = tree.count();
+  return first >= count ? std::span<const ParseTree>() : std::span(&tree.child(first), count - first);
+}
+
+/// What `build` makes of each child from the one at `first` on.
+template <class Build>
+auto mapChildren(const ParseTree& tree, Build build, std::size_t first = 0) {
+  std::vector<std::invoke_result_t<Build&, const ParseTree&>> result;
+  const std::span<const ParseTree> children = childrenOf(tree, first);
+  result.reserve(children.size());
+  for (const ParseTree& child : children) result.push_back(build(child));
+  return result;
+}
+
+} // namespace tessarin::compiler::core

@@ -1,0 +1,233 @@
+// Sections in their nesting, models, functions, and whole files.
+#include "tessarin/foundation/messages.hpp"
+#include "tessarin/foundation/stack.hpp"
+#include "tessarin/packages/ModelFile.hpp"
+#include "tessarin/packages/TSNFunctionFile.hpp"
+#include "tessarin/parser/ast/ComponentStructureInfo.hpp"
+#include "tessarin/parser/builder/ASTBuilder.hpp"
+#include "tessarin/parser/builder/BuildCommon.hpp"
+
+#include <map>
+#include <utility>
+
+namespace tessarin::compiler::core {
+
+using namespace kelvane::tessarin::compiler::core::ast; // the messages
+using K = NonTerminal;
+
+namespace {
+
+/// The sections of one body, each kind in a list of its own.
+class Sections {
+public:
+  /// Builds the section and keeps it; tells whether it is of a kind that any body can hold.
+  bool add(const ASTBuilder& builder, const ParseTree& tree) {
+    switch (tree.code()) {
+    case K::ConditionalSection: conditionals_.push_back(builder.buildConditionalSection(tree)); return true;
+    case K::ForLoopSection: forLoops_.push_back(builder.buildForLoop(tree)); return true;
+    case K::ModelDeclarationBlock: declarations_.push_back(builder.buildDeclarationBlock(tree)); return true;
+    case K::EquationsBlock: equations_.push_back(builder.buildEquationBlock(tree)); return true;
+    case K::EventsBlock: events_.push_back(builder.buildEventBlock(tree)); return true;
+    case K::ConnectionsBlock: connections_.push_back(builder.buildConnectionBlock(tree)); return true;
+    case K::BranchesBlock: branches_.push_back(builder.buildBranchBlock(tree)); return true;
+    case K::ModechartBlock: modecharts_.push_back(builder.buildModechartBlock(tree)); return true;
+    case K::AnnotationsBlock: annotations_.push_back(builder.buildAnnotationsBlock(tree)); return true;
+    default: return false;
+    }
+  }
+
+  [[nodiscard]] DeclarativeSections finish() && {
+    return DeclarativeSections(SemanticSections(std::move(declarations_), std::move(branches_), std::move(connections_),
+                                                std::move(equations_), std::move(events_), std::move(modecharts_),
+                                                std::move(conditionals_), std::move(forLoops_)),
+                               std::move(annotations_));
+  }
+
+private:
+  std::vector<DeclarationBlock> declarations_;
+  std::vector<BranchBlock> branches_;
+  std::vector<ConnectionBlock> connections_;
+  std::vector<EquationBlock> equations_;
+  std::vector<EventBlock> events_;
+  std::vector<ModechartBlock> modecharts_;
+  std::vector<AnnotationsBlock> annotations_;
+  std::vector<ConditionalSection> conditionals_;
+  std::vector<ForLoop> forLoops_;
+};
+
+} // namespace
+
+// ---- sections ----
+
+DeclarativeSections ASTBuilder::buildDeclarative(const ParseTree& tree) const {
+  return nvf::with_stack([&] {
+    Sections sections;
+    for (const ParseTree& child : childrenOf(tree)) {
+      if (sections.add(*this, child)) continue;
+      if (child.code() == K::NonExprStmt) raiseAt<IllegalSetupFunction>(child.location());
+      fatal(notRecognized, 649,
+            "tessarin::compiler::core::DeclarativeSections tessarin::compiler::core::ASTBuilder::"
+            "buildDeclarative(const tessarin::compiler::core::ParseTree&) const");
+    }
+    return std::move(sections).finish();
+  });
+}
+
+ConditionalSection ASTBuilder::buildConditionalSection(const ParseTree& tree) const {
+  const Expr predicate = buildExpr(tree.child(0));
+  const IfSection ifSection(predicate, buildDeclarative(tree.child(1)));
+  std::vector<ElseifSection> elseifs = buildElseifSections(tree.child(2));
+  std::optional<ElseSection> elseSection;
+  if (tree.child(3).count() != 0) elseSection = buildElseSection(tree.child(3));
+  return ConditionalSection(ifSection, std::move(elseifs), elseSection);
+}
+
+std::vector<ElseifSection> ASTBuilder::buildElseifSections(const ParseTree& tree) const {
+  return mapChildren(tree, [this](const ParseTree& item) { return buildElseifSection(item); });
+}
+
+ElseifSection ASTBuilder::buildElseifSection(const ParseTree& tree) const {
+  const Expr predicate = buildExpr(tree.child(0));
+  return ElseifSection(predicate, buildDeclarative(tree.child(1)));
+}
+
+ElseSection ASTBuilder::buildElseSection(const ParseTree& tree) const {
+  return ElseSection(buildDeclarative(tree.child(0).child(0)));
+}
+
+ForLoop ASTBuilder::buildForLoop(const ParseTree& tree) const {
+  const IdentValuePair pair = buildIdentValuePair(tree.child(0));
+  const DeclarativeSections body = buildDeclarative(tree.child(1));
+  // Only what stands in the loop itself is refused: a block inside an `if` inside the loop passes, intended.
+  if (!body.annotationsBlocks().empty()) raiseAt<AnnotationsInForLoop>(body.annotationsBlocks().front().location());
+  return ForLoop(pair, body.semanticSections());
+}
+
+// ---- models ----
+
+namespace {
+
+// Where the parts of a model begin: the keyword, the attributes, the name, and from here on the sections. The first of
+// them may be an empty terminal in place of a base class.
+constexpr std::size_t firstSection = 3;
+
+} // namespace
+
+Model ASTBuilder::buildModel(const ParseTree& tree, FileSource source) const {
+  const Token& keyword = tree.child(0).token();
+  const nvf::Expressions<IdentValuePair> attributes = buildIdentValuePairs(tree.child(1));
+  const Ident name = buildIdent(tree.child(2));
+  std::optional<ClassInitializer> baseClass;
+  ParseTree setup;
+  Sections sections;
+  for (const ParseTree& child : childrenOf(tree, firstSection)) {
+    if (child.type() == 0) continue;
+    if (sections.add(*this, child)) continue;
+    switch (child.code()) {
+    case K::NonExprStmt:
+      if (setup.type() != 0) raiseAt<MultipleSetupFunctions>(child.location());
+      setup = child;
+      break;
+    case K::Baseclass: baseClass = buildClassInitializer(child); break;
+    default:
+      fatal(notRecognized, 329,
+            "tessarin::compiler::core::Model tessarin::compiler::core::ASTBuilder::"
+            "buildModel(const tessarin::compiler::core::ParseTree&, tessarin::compiler::core::FileSource) const");
+    }
+  }
+  return Model(TokenId::modelType(keyword.code()), name, baseClass, std::move(sections).finish(), attributes, source,
+               setup, keyword.location());
+}
+
+// ---- functions ----
+
+TSNFunction ASTBuilder::buildTSNFunction(const ParseTree& tree, FileSource source) const {
+  const nvf::Expressions<Ident> outputs = buildIdentList1(tree.child(0));
+  const Ident name = buildIdent(tree.child(1));
+  nvf::Expressions<Ident> inputs;
+  if (tree.child(2).isNonTerminalType(K::FcnInputs)) inputs = buildIdentList1(tree.child(2).child(1));
+  nvf::Expressions1<DefinitionsBlock> definitions(mapChildren(
+      tree, [this](const ParseTree& block) { return buildDefinitionsBlock(block); }, 3));
+  return TSNFunction(name, outputs, inputs, definitions, source);
+}
+
+LocalTSNFunctions ASTBuilder::buildTSNFunctions(const ParseTree& tree, const Ident& mainName, FileSource source) const {
+  std::map<nvf::CxId, TSNFunction> functions;
+  for (const ParseTree& child : childrenOf(tree)) {
+    const TSNFunction function = buildTSNFunction(child, source);
+    const Ident& name = function.name();
+    if (name.id() == mainName.id()) raiseAt<NoSameNameForLocalTSNFcn>(child.location(), name.string());
+    if (!functions.emplace(name.id(), function).second)
+      raiseAt<DuplicateLocalTSNFcnId>(child.location(), name.string());
+  }
+  // Entered in the order of their names, so that the order in which the table is walked, and with it the printed form
+  // of the file, does not depend on their order in the text.
+  return LocalTSNFunctions(functions.rbegin(), functions.rend(), functions.size());
+}
+
+// ---- files ----
+
+namespace {
+
+/// The model or function of a file, which must be of this kind; raises `Msg` for any other file.
+template <class Msg>
+const ParseTree& mainItem(const ParseTree& tree, NonTerminal::Value kind) {
+  if (tree.child(0).isNonTerminalType(K::Stmts) || !tree.child(1).isNonTerminalType(kind)) {
+    throw nvf::MessageException(nvf::Message(Msg()));
+  }
+  return tree.child(1);
+}
+
+} // namespace
+
+TSNFile ASTBuilder::buildTSNFile(const ParseTree& tree, FileSource source) const {
+  if (tree.child(0).isNonTerminalType(K::Stmts)) throw nvf::MessageException(nvf::Message(InvalidTsnFile()));
+  if (tree.child(1).isNonTerminalType(K::Model)) return buildModelFile(tree, source);
+  return buildTSNFunctionFile(tree, source);
+}
+
+// Faults in local functions come before those in imports, and these before those in the model or function itself,
+// whatever their order in the text, intended.
+
+ModelFile ASTBuilder::buildModelFile(const ParseTree& tree, FileSource source) const {
+  const ParseTree& model = mainItem<InvalidTsnModel>(tree, K::Model);
+  const LocalTSNFunctions functions = buildTSNFunctions(tree.child(2), buildIdent(model.child(2)), source);
+  const std::vector<ImportStmt> imports = buildImports(tree.child(0));
+  return ModelFile(buildModel(model, source), imports, functions);
+}
+
+TSNFunctionFile ASTBuilder::buildTSNFunctionFile(const ParseTree& tree, FileSource source) const {
+  const ParseTree& function = mainItem<InvalidTsnFunction>(tree, K::TSNFunction);
+  const LocalTSNFunctions functions = buildTSNFunctions(tree.child(2), buildIdent(function.child(1)), source);
+  const std::vector<ImportStmt> imports = buildImports(tree.child(0));
+  return TSNFunctionFile(buildTSNFunction(function, source), imports, functions);
+}
+
+ComponentStructureInfo ASTBuilder::extractStructureInfo(const ParseTree& tree) const {
+  const ParseTree& model = mainItem<InvalidTsnModel>(tree, K::Model);
+  std::vector<DeclarationBlock> declarations;
+  std::vector<ConnectionBlock> connections;
+  std::vector<BranchBlock> branches;
+  for (const ParseTree& child : childrenOf(model, firstSection)) {
+    if (child.type() == 0) continue;
+    switch (child.code()) {
+    case K::NonExprStmt:
+    case K::Baseclass:
+    case K::EquationsBlock:
+    case K::EventsBlock: break;
+    case K::ModelDeclarationBlock:
+      if (child.child(0).isTerminalType(TokenId::COMPONENTS)) declarations.push_back(buildDeclarationBlock(child));
+      break;
+    case K::ConnectionsBlock: connections.push_back(buildConnectionBlock(child)); break;
+    case K::BranchesBlock: branches.push_back(buildBranchBlock(child)); break;
+    default:
+      fatal(notRecognized, 720,
+            "tessarin::compiler::core::ComponentStructureInfo tessarin::compiler::core::ASTBuilder::"
+            "extractStructureInfo(const tessarin::compiler::core::ParseTree&) const");
+    }
+  }
+  return ComponentStructureInfo(buildImports(tree.child(0)), std::move(declarations), std::move(connections),
+                                std::move(branches));
+}
+
+} // namespace tessarin::compiler::core

@@ -1,0 +1,411 @@
+// References: variables, and the resolved forms, which have no syntax of their own. These are written as calls of
+// reserved names, and this is how printed trees come back.
+#include "tessarin/parser/builder/BuildReference.hpp"
+
+#include "tessarin/foundation/messages.hpp"
+#include "tessarin/parser/ast/Conversions.hpp"
+#include "tessarin/parser/builder/BuildCommon.hpp"
+
+#include <boost/lexical_cast.hpp>
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace tessarin::compiler::core {
+
+using namespace kelvane::tessarin::compiler::core::ast; // the messages
+using K = NonTerminal;
+
+namespace {
+
+constexpr const char* buildVariableSignature =
+    "tessarin::compiler::core::Variable tessarin::compiler::core::ASTBuilder::buildVariable(const "
+    "tessarin::compiler::core::ParseTree&) const";
+
+// ---- shapes ----
+
+bool isReference(const ParseTree& tree) {
+  return tree.isNonTerminalType(K::Subsref);
+}
+
+/// The arguments of a reference that is one name with one argument list in parentheses; null for any other tree.
+const ParseTree* callArguments(const ParseTree& tree) {
+  if (!isReference(tree) || tree.count() != 4 || !tree.child(1).isTerminalType(TokenId::LP)) return nullptr;
+  return tree.child(2).isNonTerminalType(K::EqnArgs) ? &tree.child(2) : nullptr;
+}
+
+const ParseTree& positionalList(const ParseTree& arguments) {
+  return childOf(arguments, 0);
+}
+const ParseTree& namedList(const ParseTree& arguments) {
+  return childOf(arguments, 1);
+}
+
+/// The positional arguments of a call of a reserved name, which takes no named ones and `least` to `most` positional
+/// ones. Raises `Msg` at the name for any other tree.
+template <class Msg>
+const ParseTree& reservedArguments(const ParseTree& tree, std::size_t least, std::size_t most) {
+  if (const ParseTree* arguments = callArguments(tree)) {
+    const ParseTree& positional = positionalList(*arguments);
+    const bool fits = positional.count() >= least && positional.count() <= most;
+    if (fits && namedList(*arguments).count() == 0) return positional;
+  }
+  raiseAt<Msg>(tree.location());
+}
+
+constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);
+
+/// The positions of the names among the children of a reference.
+std::vector<std::size_t> namePositions(const ParseTree& tree) {
+  std::vector<std::size_t> positions;
+  for (std::size_t i = 0; i < tree.count(); ++i) {
+    if (tree.child(i).isTerminalType(TokenId::ID)) positions.push_back(i);
+  }
+  return positions;
+}
+
+nvf::ustring_view firstName(const ParseTree& tree) {
+  return childOf(tree, 0).token().text().view();
+}
+
+/// An argument list among the children of a reference, with the parentheses around it.
+struct ArgumentList {
+  const ParseTree& arguments;
+  nvf::Range range;
+};
+
+ArgumentList argumentListAt(const ASTBuilder& builder, const ParseTree& tree, std::size_t position) {
+  const ParseTree& arguments = childOf(tree, position + 1);
+  if (!arguments.isNonTerminalType(K::EqnArgs)) fatal(notRecognized, 575, buildVariableSignature);
+  return {arguments, builder.computeRange(tree.child(position)) + builder.computeRange(childOf(tree, position + 2))};
+}
+
+// ---- pieces of the reserved forms ----
+
+/// The subscripts behind the first `count` ones, with the range of the whole list; nothing where there are none.
+std::optional<ParenSubs> furtherSubs(std::vector<Subscript> all, std::size_t count, const nvf::Range& range) {
+  if (all.size() <= count) return std::nullopt;
+  all.erase(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(count));
+  return ParenSubs(all, range);
+}
+
+/// The variable that an argument of a reserved call must be.
+template <class Msg>
+Variable variableArgument(const ASTBuilder& builder, const ParseTree& call, const ParseTree& argument) {
+  if (!isReference(argument)) raiseAt<Msg>(call.location());
+  return builder.buildVariable(argument);
+}
+
+/// The dotted name and the positional arguments of a call.
+struct Callee {
+  nvf::CxIdPath path;
+  std::optional<std::vector<Expr>> arguments; // absent where there is no argument list
+};
+
+/// The positional arguments of an argument list that has no named ones.
+std::vector<Expr> positionalOf(const ParseTree& call, const Arguments& list) {
+  std::optional<FunctionCallArguments> arguments = to_functioncall_args(list);
+  if (!arguments || !arguments->named.empty()) raiseAt<InvalidFunctionCallSyntax>(call.location());
+  return std::move(arguments->positional);
+}
+
+Callee calleeOf(const ASTBuilder& builder, const ParseTree& call, const ParseTree& argument) {
+  const auto pair = to_pathtailpair(variableArgument<InvalidFunctionCallSyntax>(builder, call, argument));
+  if (!pair) raiseAt<InvalidFunctionCallSyntax>(call.location());
+  Callee callee{pair->first, std::nullopt};
+  if (pair->second) callee.arguments = positionalOf(call, *pair->second);
+  return callee;
+}
+
+/// The path with constant indices of the reference that the argument must be.
+template <class Msg>
+nvf::Expressions<IdValueIndices> constantPath(const ASTBuilder& builder, const ParseTree& call,
+                                              const ParseTree& argument) {
+  if (!isReference(argument)) raiseAt<Msg>(call.location());
+  const auto path = to_idvalueindicespath(builder.buildIdSubsPath(argument, namePositions(argument)));
+  if (!path || path->empty()) raiseAt<Msg>(call.location());
+  return *path;
+}
+
+// ---- the tokens of a concrete value ----
+
+/// The text of a number, of "inf" or of "nan" in any case; nothing for any other tree.
+std::optional<nvf::ustring> unsignedNumberText(const ParseTree& tree) {
+  if (tree.isTerminalType(TokenId::NUMBER)) return nvf::ustring(tree.token().text().view());
+  if (!isReference(tree) || tree.count() != 1) return std::nullopt;
+  nvf::ustring lower(firstName(tree));
+  std::transform(lower.begin(), lower.end(), lower.begin(),
+                 [](char16_t unit) { return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit; });
+  if (lower != u"inf" && lower != u"nan") return std::nullopt;
+  return nvf::ustring(firstName(tree));
+}
+
+std::optional<nvf::ValueToken> valueToken(const ParseTree& tree) {
+  if (tree.isTerminalType(TokenId::STRING)) {
+    std::string text;
+    for (const char16_t unit : tree.token().text()) text += static_cast<char>(unit);
+    return nvf::StringValueToken(std::move(text));
+  }
+  const bool isNegative = tree.isNonTerminalType(K::UnaryMinus) && tree.count() == 2;
+  const auto digits = unsignedNumberText(isNegative ? tree.child(1) : tree);
+  if (!digits) return std::nullopt;
+  const nvf::ustring text = isNegative ? u"-" + *digits : *digits;
+  try {
+    return nvf::NumericValueToken(text);
+  } catch (const nvf::Exception&) {
+    return std::nullopt; // a spelling of "inf" or "nan" that is no number, such as "INF"
+  }
+}
+
+std::optional<std::vector<nvf::ValueToken>> valueTokens(const ParseTree& tree) {
+  const ParseTree* arguments = callArguments(tree);
+  if (arguments == nullptr || namedList(*arguments).count() != 0) return std::nullopt;
+  std::vector<nvf::ValueToken> tokens;
+  for (const ParseTree& child : childrenOf(positionalList(*arguments))) {
+    std::optional<nvf::ValueToken> token = valueToken(child);
+    if (!token) return std::nullopt;
+    tokens.push_back(std::move(*token));
+  }
+  return tokens;
+}
+
+// ---- the reserved names ----
+
+using Build = Expr (*)(const ASTBuilder&, const ParseTree&);
+
+/// The builder of the form that the name is reserved for; null for an ordinary name.
+Build reservedForm(nvf::ustring_view name) {
+  struct Row {
+    nvf::ustring_view name;
+    Build build;
+  };
+  static const Row rows[] = {
+      {FullPathVariable::ctor().view(),
+       [](const ASTBuilder& b, const ParseTree& t) { return Expr(b.buildFullPathVariable(t)); }},
+      {RelativePathVariable::ctor().view(),
+       [](const ASTBuilder& b, const ParseTree& t) { return Expr(b.buildRelativePathVariable(t)); }},
+      {ConcreteValueExpr::constructorName().view(),
+       [](const ASTBuilder& b, const ParseTree& t) { return b.buildConcreteValueExpr(t); }},
+      {MRVIndex::ctor().view(), [](const ASTBuilder& b, const ParseTree& t) { return b.buildMRVIndex(t); }},
+      {TransitionExpr::ctor().view(), [](const ASTBuilder& b, const ParseTree& t) { return b.buildTransitionExpr(t); }},
+      {ModechartEqnExpr::ctor().view(),
+       [](const ASTBuilder& b, const ParseTree& t) { return b.buildModechartEqnExpr(t); }},
+      {NativeFunctionCall::ctor().view(),
+       [](const ASTBuilder& b, const ParseTree& t) { return Expr(b.buildNativeFunctionCall(t)); }},
+      {CalvexFunctionCall::ctor().view(),
+       [](const ASTBuilder& b, const ParseTree& t) { return Expr(b.buildCalvexFunctionCall(t)); }},
+      {TessarinFunctionCall::ctor().view(),
+       [](const ASTBuilder& b, const ParseTree& t) { return Expr(b.buildTessarinFunctionCall(t)); }},
+      {TessarinLocalFunctionCall::ctor().view(),
+       [](const ASTBuilder& b, const ParseTree& t) { return Expr(b.buildTessarinLocalFunctionCall(t)); }},
+      {ValueRef::ctor().view(), [](const ASTBuilder& b, const ParseTree& t) { return Expr(b.buildValueRef(t)); }},
+      {ObjectRef::ctor().view(), [](const ASTBuilder& b, const ParseTree& t) { return Expr(b.buildObjectRef(t)); }},
+  };
+  if (!name.ends_with(u"__")) return nullptr; // as all of them do
+  for (const Row& row : rows) {
+    if (row.name == name) return row.build;
+  }
+  return nullptr;
+}
+
+} // namespace
+
+Expr buildReference(const ASTBuilder& builder, const ParseTree& tree) {
+  if (const Build build = reservedForm(firstName(tree))) return build(builder, tree);
+  return builder.buildVariable(tree);
+}
+
+// ---- variables ----
+
+Variable ASTBuilder::buildVariable(const ParseTree& tree) const {
+  std::vector<std::size_t> positions = namePositions(tree);
+  if (positions.empty()) fatal(notRecognized, 543, buildVariableSignature);
+  const std::size_t last = positions.back();
+  positions.pop_back();
+  std::optional<Arguments> arguments;
+  if (last + 1 < tree.count()) {
+    const ArgumentList list = argumentListAt(*this, tree, last + 1);
+    const std::vector<Subscript> positional = buildSubscripts(positionalList(list.arguments));
+    arguments = Arguments(positional, buildEqnNamedArgs(namedList(list.arguments), true), list.range);
+  }
+  const nvf::Expressions<IdParenSubs> path = buildIdSubsPath(tree, positions);
+  return {buildIdent(tree.child(last)), path, arguments, computeRange(tree)};
+}
+
+nvf::Expressions<IdParenSubs> ASTBuilder::buildIdSubsPath(const ParseTree& tree,
+                                                          const std::vector<std::size_t>& positions) const {
+  std::vector<IdParenSubs> steps;
+  steps.reserve(positions.size());
+  for (const std::size_t position : positions) {
+    const Ident name = buildIdent(tree.child(position));
+    if (position + 1 == tree.count() || tree.child(position + 1).isTerminalType(TokenId::DOT)) {
+      steps.emplace_back(name, std::nullopt);
+      continue;
+    }
+    const ArgumentList list = argumentListAt(*this, tree, position + 1);
+    const ParseTree& named = namedList(list.arguments);
+    if (named.count() != 0) raiseAt<UnexpectedNamedArg>(named.location());
+    steps.emplace_back(name, ParenSubs(buildSubscripts(positionalList(list.arguments)), list.range));
+  }
+  return nvf::Expressions<IdParenSubs>(std::move(steps));
+}
+
+std::vector<Subscript> ASTBuilder::buildSubscripts(const ParseTree& tree) const {
+  return mapChildren(tree, [this](const ParseTree& child) {
+    if (child.isTerminalType(TokenId::COLON)) return Subscript(Subscript::Type::Colon, child.token().location());
+    return Subscript(buildExpr(child));
+  });
+}
+
+std::vector<NamedArgument> ASTBuilder::buildEqnNamedArgs(const ParseTree& tree, bool allowColonEquals) const {
+  return mapChildren(tree, [&](const ParseTree& child) {
+    const Expr value = buildExpr(childOf(child, 2));
+    const ParseTree& sign = child.child(1);
+    const bool isColonEquals = sign.isTerminalType(TokenId::COLONEQUALS);
+    if (isColonEquals && !allowColonEquals) raiseAt<NoColonEquals>(sign.location());
+    const ParseTree& name = child.child(0);
+    const bool isValueRef = firstName(name) == ValueRef::ctor().view();
+    return NamedArgument(isValueRef ? NamedArgumentName(buildValueRef(name)) : NamedArgumentName(buildVariable(name)),
+                         value, isColonEquals);
+  });
+}
+
+// ---- paths ----
+
+FullPathVariable ASTBuilder::buildFullPathVariable(const ParseTree& tree) const {
+  using Msg = InvalidFullPathVariableSyntax;
+  const ParseTree& positional = reservedArguments<Msg>(tree, 1, anyNumber);
+  const std::vector<Subscript> subs = buildSubscripts(positional);
+  if (subs.front().expr() == nullptr) raiseAt<Msg>(tree.location());
+  return {to_unique_paths(*subs.front().expr()), furtherSubs(subs, 1, computeRange(positional)), std::nullopt,
+          computeRange(tree)};
+}
+
+RelativePathVariable ASTBuilder::buildRelativePathVariable(const ParseTree& tree) const {
+  using Msg = InvalidRelativePathVariableSyntax;
+  const ParseTree& positional = reservedArguments<Msg>(tree, 2, anyNumber);
+  const std::vector<Subscript> subs = buildSubscripts(positional);
+  const auto depth = subs[0].expr() == nullptr ? std::nullopt : to_whole_number(*subs[0].expr());
+  const Variable* name = subs[1].expr() == nullptr ? nullptr : subs[1].expr()->getIf<Variable>();
+  if (!depth || *depth == 0 || name == nullptr || !name->isID()) raiseAt<Msg>(tree.location());
+  return {nvf::Positive<std::size_t>(*depth), name->id().id(), furtherSubs(subs, 2, computeRange(positional)),
+          computeRange(tree)};
+}
+
+// ---- values and wrappers ----
+
+Expr ASTBuilder::buildConcreteValueExpr(const ParseTree& tree) const {
+  if (toValue_ != nullptr) {
+    if (const auto tokens = valueTokens(tree)) {
+      if (const auto value = (*toValue_)(*tokens)) return ConcreteValueExpr(*value, computeRange(tree));
+    }
+  }
+  return buildVariable(tree);
+}
+
+Expr ASTBuilder::buildMRVIndex(const ParseTree& tree) const {
+  if (callArguments(tree) == nullptr) return buildVariable(tree);
+  const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 3, 3);
+  const auto index = [&](std::size_t i) {
+    if (!positional.child(i).isTerminalType(TokenId::NUMBER)) raiseAt<InvalidFunctionCallSyntax>(tree.location());
+    std::string digits;
+    for (const char16_t unit : positional.child(i).token().text()) digits += static_cast<char>(unit);
+    return boost::lexical_cast<std::size_t>(digits);
+  };
+  const Expr expr = buildExpr(positional.child(0));
+  const std::size_t rvIndex = index(1);
+  return MRVIndex(expr, rvIndex, index(2), computeRange(tree));
+}
+
+Expr ASTBuilder::buildTransitionExpr(const ParseTree& tree) const {
+  if (callArguments(tree) == nullptr) return buildVariable(tree);
+  const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 2, 2);
+  const Expr expr = buildExpr(positional.child(0));
+  return TransitionExpr(expr, buildExpr(positional.child(1)));
+}
+
+Expr ASTBuilder::buildModechartEqnExpr(const ParseTree& tree) const {
+  if (callArguments(tree) == nullptr) return buildVariable(tree);
+  const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 1, 1);
+  return ModechartEqnExpr(buildExpr(positional.child(0)).get<IfExpr>());
+}
+
+// ---- calls ----
+
+NativeFunctionCall ASTBuilder::buildNativeFunctionCall(const ParseTree& tree) const {
+  const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 1, 1);
+  const auto call =
+      to_nativefunctioncall(variableArgument<InvalidFunctionCallSyntax>(*this, tree, positional.child(0)));
+  if (!call) raiseAt<InvalidFunctionCallSyntax>(tree.location());
+  return *call;
+}
+
+CalvexFunctionCall ASTBuilder::buildCalvexFunctionCall(const ParseTree& tree) const {
+  const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 4, 4);
+  const Callee callee = calleeOf(*this, tree, positional.child(0));
+  const auto flag = [&](std::size_t i) {
+    if (positional.child(i).type() != 0) raiseAt<InvalidFunctionCallSyntax>(tree.location());
+    return positional.child(i).token().text().view() == u"1";
+  };
+  const bool isEnum = flag(1);
+  const bool dottedEnum = flag(2);
+  const bool evalCompileTime = flag(3);
+  const nvf::Range range = computeRange(tree);
+  if (!callee.arguments) return {callee.path, isEnum, dottedEnum, evalCompileTime, range};
+  return {callee.path, *callee.arguments, isEnum, dottedEnum, evalCompileTime, range};
+}
+
+TessarinFunctionCall ASTBuilder::buildTessarinFunctionCall(const ParseTree& tree) const {
+  const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 1, 1);
+  const Callee callee = calleeOf(*this, tree, positional.child(0));
+  const nvf::Range range = computeRange(tree);
+  if (!callee.arguments) return {callee.path, range};
+  return {callee.path, *callee.arguments, range};
+}
+
+TessarinLocalFunctionCall ASTBuilder::buildTessarinLocalFunctionCall(const ParseTree& tree) const {
+  const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 2, 2);
+  const Callee file = calleeOf(*this, tree, positional.child(0));
+  const Variable function = variableArgument<InvalidFunctionCallSyntax>(*this, tree, positional.child(1));
+  if (file.arguments || !function.leadingPath().empty()) raiseAt<InvalidFunctionCallSyntax>(tree.location());
+  const nvf::Range range = computeRange(tree);
+  if (!function.tail()) return {file.path, function.id().id(), range};
+  return {file.path, function.id().id(), positionalOf(tree, *function.tail()), range};
+}
+
+// ---- references to values and objects ----
+
+ValueRef ASTBuilder::buildValueRef(const ParseTree& tree) const {
+  using Msg = InvalidValueRefSyntax;
+  const ParseTree& positional = reservedArguments<Msg>(tree, 1, 2);
+  const nvf::Expressions<IdValueIndices> path = constantPath<Msg>(*this, tree, positional.child(0));
+  const IdValueIndices& last = *(path.end() - 1);
+  if (last.indices()) raiseAt<Msg>(tree.location());
+  std::optional<ValueRefTail> tail;
+  if (positional.count() == 2) tail = buildValueRefTail(positional.child(1));
+  return {last.ident(), nvf::Expressions<IdValueIndices>(path.begin(), path.end() - 1), tail, std::nullopt,
+          computeRange(tree)};
+}
+
+std::optional<ValueRefTail> ASTBuilder::buildValueRefTail(const ParseTree& tree) const {
+  using Msg = InvalidValueRefSyntax;
+  const ParseTree& positional = reservedArguments<Msg>(tree, 0, anyNumber);
+  // Any name but this one stands for subscripts: intended.
+  if (firstName(tree) != ValueRef::idTailCtor().view()) {
+    return ValueRefTail(ParenSubs(buildSubscripts(positional), computeRange(tree)));
+  }
+  if (positional.count() != 1) raiseAt<Msg>(tree.location());
+  const Variable name = variableArgument<Msg>(*this, tree, positional.child(0));
+  if (!name.isID()) raiseAt<Msg>(tree.location());
+  return ValueRefTail(name.id());
+}
+
+ObjectRef ASTBuilder::buildObjectRef(const ParseTree& tree) const {
+  using Msg = InvalidObjectRefSyntax;
+  const ParseTree& positional = reservedArguments<Msg>(tree, 1, 1);
+  const nvf::Expressions<IdValueIndices> path = constantPath<Msg>(*this, tree, positional.child(0));
+  return {nvf::Expressions1<IdValueIndices>(path), std::nullopt, computeRange(tree)};
+}
+
+} // namespace tessarin::compiler::core

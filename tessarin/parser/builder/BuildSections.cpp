@@ -1,0 +1,138 @@
+// Branches, connections and modecharts.
+#include "tessarin/foundation/messages.hpp"
+#include "tessarin/parser/ast/Branch.hpp"
+#include "tessarin/parser/ast/Connection.hpp"
+#include "tessarin/parser/ast/Modechart.hpp"
+#include "tessarin/parser/builder/ASTBuilder.hpp"
+#include "tessarin/parser/builder/BuildCommon.hpp"
+
+#include <utility>
+
+namespace tessarin::compiler::core {
+
+using namespace kelvane::tessarin::compiler::core::ast; // the messages
+using K = NonTerminal;
+
+// ---- branches ----
+
+BranchBlock ASTBuilder::buildBranchBlock(const ParseTree& tree) const {
+  return BranchBlock(mapChildren(tree.child(1), [this](const ParseTree& item) { return buildThrough(item); }),
+                     tree.child(0).token().location());
+}
+
+Through ASTBuilder::buildThrough(const ParseTree& tree) const {
+  const ThroughLeaf from = buildThroughLeaf(tree.child(2));
+  const ThroughLeaf to = buildThroughLeaf(tree.child(4));
+  const Variable variable = buildVariable(tree.child(0));
+  if (!variable.leadingPath().empty()) raiseAt<NoDotRefBranchVar>(variable.location());
+  std::optional<ParenSubs> subs;
+  if (const std::optional<Arguments>& tail = variable.tail()) {
+    if (!tail->namedArgs().empty()) raiseAt<NoNamedArgBranchVar>(variable.location());
+    subs.emplace(tail->posArgs(), tail->range());
+  }
+  // A branch has no place of its own, intended: messages take it from the block or from the ends.
+  return Through(IdParenSubs(variable.id(), subs), from, to, nvf::Location());
+}
+
+ThroughLeaf ASTBuilder::buildThroughLeaf(const ParseTree& tree) const {
+  if (tree.type() == 0) return buildImplicitReference(tree);
+  if (tree.child(0).token().text() == ValueRef::ctor().text()) return buildValueRef(tree);
+  return buildVariable(tree);
+}
+
+// ---- connections ----
+
+ConnectionBlock ASTBuilder::buildConnectionBlock(const ParseTree& tree) const {
+  return ConnectionBlock(mapChildren(tree.child(1), [this](const ParseTree& item) { return buildConnection(item); }),
+                         tree.child(0).token().location());
+}
+
+Connection ASTBuilder::buildConnection(const ParseTree& tree) const {
+  const auto argument = [this](const ParseTree& item) -> ConnectionArg {
+    // A literal stands for the implicit reference too, intended.
+    if (item.type() == 0) return buildImplicitReference(item);
+    const Expr expr = buildExpr(item);
+    if (const auto* ref = expr.getIf<ValueRef>()) return *ref;
+    if (const auto* ref = expr.getIf<ObjectRef>()) return *ref;
+    if (const auto* variable = expr.getIf<Variable>()) return *variable;
+    raiseAt<InvalidConnectionArg>(expr_location(expr), to_user_string(expr));
+  };
+  const ParseTree& list = tree.child(2);
+  const ParseTree& head = list.child(0);
+  const ConnectionFirstArg first = head.isTerminalType(TokenId::MUL) ? ConnectionFirstArg(buildImplicitReference(head))
+                                                                     : ConnectionFirstArg(buildExpr(head));
+  return Connection(first, mapChildren(list, argument, 1), tree.child(0).token().location());
+}
+
+// ---- modecharts ----
+
+ModechartBlock ASTBuilder::buildModechartBlock(const ParseTree& tree) const {
+  const nvf::Expressions<IdentValuePair> attributes = buildIdentValuePairs(tree.child(1));
+  return ModechartBlock(attributes,
+                        mapChildren(tree.child(2), [this](const ParseTree& t) { return buildModechartDeclaration(t); }),
+                        tree.child(0).token().location());
+}
+
+ModechartDeclaration ASTBuilder::buildModechartDeclaration(const ParseTree& tree) const {
+  const Modechart modechart = buildModechart(tree.child(2));
+  return ModechartDeclaration(buildIdent(tree.child(0)), modechart);
+}
+
+Modechart ASTBuilder::buildModechart(const ParseTree& tree) const {
+  std::vector<ModesSection> modes;
+  std::vector<TransitionsSection> transitions;
+  std::vector<InitialSection> initials;
+  for (const ParseTree& section : childrenOf(tree.child(1))) {
+    switch (section.code()) {
+    case K::ModesSection: modes.push_back(buildModesSection(section)); break;
+    case K::TransitionsSection: transitions.push_back(buildTransitionsSection(section)); break;
+    case K::InitialSection: initials.push_back(buildInitialSection(section)); break;
+    default:
+      fatal("Parse tree node not recognized.", 867,
+            "tessarin::compiler::core::Modechart tessarin::compiler::core::ASTBuilder::"
+            "buildModechart(const tessarin::compiler::core::ParseTree&) const");
+    }
+  }
+  return Modechart(std::move(modes), std::move(transitions), std::move(initials), computeRange(tree));
+}
+
+ModesSection ASTBuilder::buildModesSection(const ParseTree& tree) const {
+  return ModesSection(mapChildren(tree.child(1), [this](const ParseTree& item) { return buildMode(item); }));
+}
+
+Mode ASTBuilder::buildMode(const ParseTree& tree) const {
+  const bool isSingle = tree.child(1).isTerminalType(TokenId::ID);
+  const nvf::Expressions<Ident> ids =
+      isSingle ? nvf::Expressions<Ident>{buildIdent(tree.child(1))} : buildIdentList1(tree.child(2));
+  std::vector<EquationBlock> equations;
+  std::vector<EntryBlock> entries;
+  for (const ParseTree& item : childrenOf(tree.child(isSingle ? 2 : 4))) {
+    if (item.isNonTerminalType(K::EquationsBlock)) {
+      equations.push_back(buildEquationBlock(item));
+    } else {
+      entries.emplace_back(buildIdentValuePairs(item), nvf::Range()); // the tree has no place for it
+    }
+  }
+  return Mode(ids, std::move(equations), std::move(entries), computeRange(tree));
+}
+
+TransitionsSection ASTBuilder::buildTransitionsSection(const ParseTree& tree) const {
+  return TransitionsSection(
+      mapChildren(tree.child(1), [this](const ParseTree& item) { return buildTransition(item); }));
+}
+
+Transition ASTBuilder::buildTransition(const ParseTree& tree) const {
+  const Expr predicate = buildExpr(tree.child(1));
+  return Transition(buildIdentList1(tree.child(0)), predicate);
+}
+
+InitialSection ASTBuilder::buildInitialSection(const ParseTree& tree) const {
+  return InitialSection(mapChildren(tree.child(1), [this](const ParseTree& item) { return buildInitialMode(item); }));
+}
+
+InitialMode ASTBuilder::buildInitialMode(const ParseTree& tree) const {
+  const Expr predicate = buildExpr(tree.child(2));
+  return InitialMode(buildIdent(tree.child(0)), predicate);
+}
+
+} // namespace tessarin::compiler::core
