@@ -12,7 +12,7 @@ namespace {
 using nlohmann::json;
 using namespace tessarin::test;
 
-const std::string good = "x = 1;\n";
+const std::string good = "component good\nend\n";
 const std::string bad = "x = ;\n"; // at 1:5
 const std::string fatal = "component fatal\n function a.b\n  y = 2;\n end\nend\n";
 
@@ -170,10 +170,10 @@ TEST(CheckCommand, TheSameForAnyNumberOfWorkers) {
 }
 
 TEST(CheckCommand, ReportsOnALongLineAreShort) {
-  std::string source;
+  std::string source = "component f\ninputs\n";
   for (int i = 0; i < 3000; ++i) source += std::string(64, 'n') + ";";
   const TemporaryFolder folder;
-  folder.write("f.tsn", source + "\n");
+  folder.write("f.tsn", source + "\nend\nend\n");
   const ToolResult result = runTool(folder, {"check", "f.tsn"});
   EXPECT_TRUE(result.out.ends_with("\n1 file checked: 0 errors, 3000 warnings\n"));
   EXPECT_LT(result.out.size(), 20 * source.size());

@@ -1,8 +1,7 @@
 // tsn check: what is wrong with files.
 
-#include "tessarin/parser/parse/Parser.hpp"
-
 #include "Command.hpp"
+#include "FileWalk.hpp"
 #include "InOrder.hpp"
 #include "JsonWriter.hpp"
 #include "Outcome.hpp"
@@ -56,7 +55,7 @@ struct Summary {
 
 /// Takes the text through all stages. Throws the first fault.
 void check(const Source& source) {
-  static_cast<void>(compiler::core::Parser(source.buffer()).parse());
+  static_cast<void>(buildFile(source));
 }
 
 FileResult checkForPeople(const std::string& path, bool colours) {
@@ -160,7 +159,10 @@ Action check(CLI::App& app) {
       ->required()
       ->type_name("FILE|DIR");
   app.add_option("-j,--jobs", options->jobs, "files to check at the same time")
-      ->check(CLI::PositiveNumber)
+      ->check([](const std::string& text) {
+        return text.find_first_not_of('0') == std::string::npos ? std::string("at least one file at a time")
+                                                                : std::string();
+      })
       ->type_name("N")
       ->capture_default_str();
   app.add_flag("--json", options->json, "answer with one line of JSON");

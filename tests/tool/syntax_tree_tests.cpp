@@ -1,0 +1,162 @@
+// The commands that look at the syntax tree: print, ast, outline, uses, digest and expr.
+#include "tool/run_tool.hpp"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace {
+
+using nlohmann::json;
+using namespace tessarin::test;
+
+constexpr const char* valve = R"(import a.b.*
+component (Hidden = true) valve < base(k = 2)
+  nodes
+    p = hydraulic.port;
+  end
+  parameters
+    [c, d] = limits(1);
+    [e, ~] = limits(2);
+  end
+  if c > 1
+    variables
+      x = {0, 'm'};
+    end
+    equations
+      assert(c > 0, message('a:b', text(d)), Warn = true);
+    end
+  end
+  branches
+    q(c) : p.q -> *;
+  end
+  equations
+    let
+      u = x + d;
+    in
+      u == x(c)*p.v;
+    end
+  end
+end
+function [lower, upper] = limits(kind)
+  definitions
+    lower = kind;
+    upper = -kind;
+  end
+end
+)";
+
+/// What the tool answers about the file above.
+ToolResult ask(const std::vector<std::string>& arguments) {
+  const TemporaryFolder folder;
+  folder.write("valve.tsn", valve);
+  ToolResult result = runTool(folder, arguments);
+  EXPECT_EQ(result.error, "");
+  EXPECT_EQ(result.status, 0);
+  return result;
+}
+
+TEST(PrintCommand, WhatItPrintsReadsBackAndPrintsTheSame) {
+  const std::string first = ask({"print", "valve.tsn"}).out;
+  const TemporaryFolder folder;
+  folder.write("valve.tsn", first);
+  const ToolResult second = runTool(folder, {"print", "valve.tsn", "--json"});
+  EXPECT_EQ(second.status, 0) << second.out;
+  EXPECT_EQ(json::parse(second.out), (json{{"text", first}, {"warnings", json::array()}}));
+}
+
+TEST(AstCommand, ListsNodesWithTheirRangesAndFields) {
+  const std::string text = ask({"ast", "valve.tsn"}).out;
+  for (const char* line : {"\nModel '0'\n", "Ident <2:27-2:32> 'valve'\n", "OpExpr <10:6-10:11> '"}) {
+    EXPECT_NE(text.find(line), std::string::npos) << line << text;
+  }
+  const json document = json::parse(ask({"ast", "valve.tsn", "--json"}).out);
+  ASSERT_EQ(document["ast"].size(), 3) << "imports, the model, local functions";
+  EXPECT_EQ(document["ast"][0][0]["class"], "ImportStmt");
+  EXPECT_EQ(document["ast"][1]["class"], "Model");
+  EXPECT_EQ(document["ast"][2][0]["fields"][0],
+            json::parse(R"({"class":"Ident","range":[28,26,28,32],"fields":["limits"]})"));
+}
+
+TEST(OutlineCommand, ListsWhatTheFileDeclares) {
+  EXPECT_EQ(ask({"outline", "valve.tsn"}).out, R"(import a.b.*  1:1
+component valve < base  2:27
+  variables
+    x  12:7
+  parameters
+    c  7:6
+    d  7:9
+    e  8:6
+  nodes
+    p  4:5
+function [lower, upper] = limits(kind)  29:27
+)");
+  const json outline = json::parse(ask({"outline", "valve.tsn", "--json"}).out)["outline"];
+  EXPECT_EQ(outline["type"], "component");
+  EXPECT_EQ(outline["base"], "base");
+  EXPECT_EQ(outline["members"][0],
+            json::parse(R"({"kind":"variables","entries":[{"name":"x","line":11,"column":6}]})"));
+  EXPECT_EQ(outline["functions"][0]["outputs"], json::parse(R"(["lower","upper"])"));
+}
+
+TEST(UsesCommand, ARowForEachEquationAndTwoForAnAssertion) {
+  EXPECT_EQ(json::parse(ask({"uses", "valve.tsn", "--json"}).out), json::parse(R"x({"uses":[
+      ["let u = x + d; in u == x(c) * p.v; end", ["c", "d", "p.v", "x", "x(c)"], ["c", "d", "p", "x"]],
+      ["c > 0", ["c"], ["c"]],
+      ["concrete_value__('int32 1x1',1,'1')", [], []]],"warnings":[]})x"));
+  EXPECT_NE(ask({"uses", "valve.tsn"}).out.find("c > 0\n  variables: c\n  identifiers: c\n"), std::string::npos);
+}
+
+TEST(DigestCommand, ExpressionsComeInTheOrderOfTheFile) {
+  std::vector<std::string> texts;
+  const json document = json::parse(ask({"digest", "valve.tsn", "--json"}).out);
+  for (const json& row : document["exprs"]) {
+    texts.push_back(row[0]);
+    EXPECT_EQ(row.size(), 4);
+    EXPECT_EQ(row[2].get<std::string>().size() % 2, 0);
+  }
+  EXPECT_EQ(texts, (std::vector<std::string>{"true", "k", "2",                           // the head
+                                             "hydraulic.port", "limits(1)", "limits(2)", // declarations
+                                             "c", "p.q",                                 // branches
+                                             "let u = x + d; in u == x(c) * p.v; end",   // equations
+                                             "c > 1", "{0, 'm'}", "c > 0",
+                                             "concrete_value__('int32 1x1',1,'1')", // the conditional section
+                                             "kind", "-kind"}));                    // the local function
+}
+
+TEST(ExprCommand, PrintsOneExpression) {
+  struct Case {
+    std::vector<std::string> arguments;
+    std::string out;
+    std::string error;
+    int status;
+  };
+  const Case cases[] = {
+      {{"a+b * (c)"}, "a + b * c\n", "", 0},
+      {{"--user", "a+b"}, "a + b\n", "", 0},
+      {{"a +"}, "", "[InvalidExpressionSyntax]", 1},
+      {{"assert(a)"}, "", "[AssertionNotExpression]", 1},
+      {{"--user", "--digest", "a"}, "", "excludes", 2},
+  };
+  const TemporaryFolder folder;
+  for (const Case& c : cases) {
+    std::vector<std::string> arguments{"expr"};
+    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+    const ToolResult result = runTool(folder, arguments);
+    EXPECT_EQ(result.out, c.out) << c.arguments.back();
+    EXPECT_NE(result.error.find(c.error), std::string::npos) << result.error;
+    EXPECT_EQ(result.status, c.status) << c.arguments.back();
+  }
+  const json document = json::parse(runTool(folder, {"expr", "a + 1", "--json"}).out);
+  EXPECT_EQ(document["expr"]["tree"]["range"], json::parse("[0,0,0,5]"));
+  EXPECT_EQ(document["expr"]["digest"].get<std::string>() + "\n", runTool(folder, {"expr", "a+1", "--digest"}).out);
+}
+
+TEST(CheckCommand, ReportsWhatTheBuilderRefuses) {
+  const TemporaryFolder folder;
+  folder.write("c.tsn", "component c\n  branches\n    i : 1 -> *;\n  end\nend\n");
+  const ToolResult result = runTool(folder, {"check", "c.tsn"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.out.find("c.tsn:3:"), std::string::npos) << result.out;
+}
+
+} // namespace

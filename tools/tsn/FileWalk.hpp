@@ -1,0 +1,37 @@
+// The expressions and equations of a whole file, in one fixed order.
+#pragma once
+
+#include "tessarin/parser/builder/ASTBuilder.hpp"
+
+#include "Source.hpp"
+
+#include <vector>
+
+namespace tessarin::tool {
+
+/// Takes a source through all stages up to the syntax tree. Throws the first fault.
+compiler::core::TSNFile buildFile(const Source& source);
+
+/// The local functions of a file in order of name; they belong to the map.
+std::vector<const compiler::core::TSNFunction*> inOrderOfName(const compiler::core::LocalTSNFunctions& functions);
+
+/// Sees what `walk` comes by.
+class FileVisitor {
+public:
+  FileVisitor() = default;
+  FileVisitor(const FileVisitor&) = delete;
+  FileVisitor& operator=(const FileVisitor&) = delete;
+  virtual ~FileVisitor();
+  /// An expression that stands in no other one: a value, an equation, a predicate, a reference.
+  virtual void expression(const compiler::core::Expr&) {}
+  /// An item of an equations block, before its expressions.
+  virtual void equation(const compiler::core::EqnItem&) {}
+};
+
+/// Shows a file to the visitor. First comes the model: its attributes, the arguments of its base class, each with its
+/// name before its value, and its sections, kind by kind as they are stored; or else the function. The local functions
+/// come last, in order of name. The attributes of a block come before what it holds, the annotations of a list of
+/// sections behind the rest of it.
+void walk(const compiler::core::TSNFile& file, FileVisitor& visitor);
+
+} // namespace tessarin::tool
