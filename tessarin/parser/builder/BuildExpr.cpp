@@ -25,7 +25,7 @@ UnitLiteral unitLiteral(const Token& token) {
   const nvf::ustring content(quoted.size() < 2 ? nvf::ustring_view() : quoted.substr(1, quoted.size() - 2));
   try {
     return {nvf::detail::CheckExprString()(nvf::detail::AsciiStringCheck()(content)), token.range()};
-  } catch (const nvf::Exception&) {
+  } catch (const std::exception&) { // the text is not ASCII, or no unit
     raiseAt<InvalidUnitLiteral>(token.location(), content);
   }
 }

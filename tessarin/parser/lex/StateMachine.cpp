@@ -202,7 +202,7 @@ class Machine {
 public:
   explicit Machine(State& state) : s(state) {}
 
-  void apply(Kind kind, const KindEffects& effects, ustring_view rest) noexcept;
+  void apply(Kind kind, const KindEffects& effect, ustring_view rest) noexcept;
 
 private:
   void seeBehindAt(Kind kind) noexcept;
@@ -442,11 +442,11 @@ StatementCode follow(StatementCode known, bool beginsStatement, StatementCode co
 } // namespace
 
 void applyToken(State& state, StatementCode& statementCode, Kind kind, ustring_view rest) noexcept {
-  const KindEffects& effects = kindEffects[indexOf(kind)];
+  const KindEffects& effect = kindEffects[indexOf(kind)];
   if (statementCode != StatementCode::Special) {
-    statementCode = follow(statementCode, state.lState == LState::BEGIN_STMT, effects.lineContent);
+    statementCode = follow(statementCode, state.lState == LState::BEGIN_STMT, effect.lineContent);
   }
-  Machine(state).apply(kind, effects, rest);
+  Machine(state).apply(kind, effect, rest);
 }
 
 } // namespace tessarin::compiler::core
