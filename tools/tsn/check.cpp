@@ -7,6 +7,7 @@
 #include "Outcome.hpp"
 #include "Printable.hpp"
 #include "Report.hpp"
+#include "SetupFunction.hpp"
 #include "Source.hpp"
 #include "SourceFiles.hpp"
 
@@ -55,7 +56,7 @@ struct Summary {
 
 /// Takes the text through all stages. Throws the first fault.
 void check(const Source& source) {
-  static_cast<void>(buildFile(source));
+  static_cast<void>(setupFunctionOf(buildFile(source)));
 }
 
 FileResult checkForPeople(const std::string& path, bool colours) {

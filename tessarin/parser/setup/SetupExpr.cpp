@@ -1,0 +1,210 @@
+// The expressions of a setup function by the kind of their node.
+#include "tessarin/foundation/stack.hpp"
+#include "tessarin/parser/ast/Conversions.hpp"
+#include "tessarin/parser/setup/SetupCommon.hpp"
+#include "tessarin/parser/setup/SetupConversion.hpp"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace tessarin::compiler::core {
+
+using K = NonTerminal;
+
+namespace {
+
+/// Thrown for a form that has no place in a setup function; it does not leave this file.
+struct Unrecognized {};
+
+Expr convert(const ParseTree& tree);
+
+// ---- leaves ----
+
+Expr convertTerminal(const Token& token) {
+  if (token.code() == TokenId::ID) return Variable(Ident(token), {}, std::nullopt, token.range());
+  if (token.code() == TokenId::NUMBER) {
+    const nvf::NumberString number = nvf::detail::NumberStringCheck()(token.text().view());
+    if (!number.isImaginary()) return NumberLiteral(number, token.range());
+  }
+  throw Unrecognized();
+}
+
+const Token& stringToken(const ParseTree& tree) {
+  if (!tree.isTerminalType(TokenId::STRING)) throw Unrecognized();
+  return tree.token();
+}
+
+/// Quotes in it are not reduced: the text of a unit is never escaped, intended.
+UnitLiteral convertUnit(const ParseTree& tree) {
+  const Token& token = stringToken(tree);
+  try {
+    return {nvf::detail::CheckExprString()(nvf::detail::AsciiStringCheck()(ustring(withoutQuotes(token)))),
+            token.range()};
+  } catch (const nvf::NotAscii&) {
+    throw Unrecognized();
+  } catch (const nvf::InvalidUnitExpression&) {
+    throw Unrecognized();
+  }
+}
+
+// ---- references ----
+
+Subscript convertSubscript(const ParseTree& tree) {
+  if (tree.isTerminalType(TokenId::COLON)) return {Subscript::Type::Colon, tree.token().location()};
+  // An `end` that is not the whole subscript, as in `a(end - 1)`, is unrecognized: intended.
+  if (tree.isTerminalType(TokenId::END)) return Expr(EndIndex(tree.token()));
+  return convert(tree);
+}
+
+bool isSubsref(const ParseTree& tree) {
+  return tree.isNonTerminalType(K::Subsref) && tree.count() == 4;
+}
+
+/// The subscripts of a `Subsref`: `name ( list )`.
+ParenSubs convertSubscripts(const ParseTree& subsref) {
+  return {mapChildren(subsref.child(2), convertSubscript), rangeOf(subsref.child(1)) + rangeOf(subsref.child(3))};
+}
+
+/// A dotted name, with or without subscripts behind its parts. The node of a long path is a chain to the left, which is
+/// walked from its end.
+Variable convertPath(const ParseTree& path) {
+  std::vector<IdParenSubs> steps; // the last one first
+  const ParseTree* rest = &path;
+  for (;;) {
+    std::optional<ParenSubs> subs;
+    if (isSubsref(*rest)) {
+      subs = convertSubscripts(*rest);
+      rest = &rest->child(0);
+    }
+    const bool isDot = rest->isNonTerminalType(K::Dot);
+    const ParseTree& name = isDot ? rest->child(2) : *rest;
+    if (!name.isTerminalType(TokenId::ID)) throw Unrecognized();
+    steps.emplace_back(Ident(name.token()), subs);
+    if (!isDot) break;
+    rest = &rest->child(0);
+  }
+  std::reverse(steps.begin(), steps.end());
+  return idsubspath_to_variable(IdSubsPath(std::move(steps)), rangeOf(path));
+}
+
+/// Whether it is `value(x, 'unit')` or `value(x, 'unit', 'conversion')`, or would be with strings in these places.
+bool isValue(const ParseTree& subsref) {
+  if (!isSubsref(subsref)) return false;
+  const ParseTree& name = subsref.child(0);
+  const ParseTree& list = subsref.child(2);
+  return name.type() == 0 && name.token().text().view() == u"value" && list.isNonTerminalType(K::ExprList) &&
+         (list.count() == 2 || list.count() == 3);
+}
+
+Expr convertValue(const ParseTree& subsref) {
+  const ParseTree& list = subsref.child(2);
+  const Expr value = convert(list.child(0));
+  const UnitLiteral unit = convertUnit(list.child(1));
+  if (list.count() == 2) return ValueExpr(value, unit, rangeOf(subsref));
+  const Token& conversion = stringToken(list.child(2));
+  return ValueExpr(value, unit, StringLiteral(contentOf(conversion), conversion.range()), rangeOf(subsref));
+}
+
+// ---- compounds ----
+
+/// The number of operands of each operator, in the order of `OpExprType`.
+constexpr std::size_t arities[] = {
+#define TESSARIN_OPERATOR(name, image, arity, precedence) arity,
+#include "tessarin/parser/ast/operators.def"
+};
+
+OpExprType operatorOf(const ParseTree& tree) {
+  return OpExpr::operatorType(tree.code());
+}
+
+/// The number of operands where the kind is that of an operator; otherwise 0.
+std::size_t operandCount(const ParseTree& tree) {
+  const int type = tree.type() == 0 ? -1 : static_cast<int>(operatorOf(tree));
+  return type < 0 ? 0 : arities[type];
+}
+
+Expr convertUnary(const ParseTree& tree) {
+  switch (tree.code()) {
+  case K::Transpose:
+  case K::DotTranspose: return OpExpr(operatorOf(tree), convert(tree.child(0)), rangeOf(tree));
+  case K::Der: throw Unrecognized(); // an operator of equations only
+  default: return OpExpr(operatorOf(tree), convert(tree.child(1)), rangeOf(tree));
+  }
+}
+
+/// Right operands come before left ones. Chains to the left take a loop and no recursion.
+Expr convertBinary(const ParseTree& tree) {
+  struct Step {
+    const ParseTree* tree;
+    Expr right;
+  };
+  std::vector<Step> steps;
+  const ParseTree* left = &tree;
+  for (; operandCount(*left) == 2; left = &left->child(0)) steps.push_back({left, convert(left->child(2))});
+  Expr result = convert(*left);
+  for (; !steps.empty(); steps.pop_back()) {
+    const Step& step = steps.back();
+    result = OpExpr(operatorOf(*step.tree), result, step.right, rangeOf(*step.tree));
+  }
+  return result;
+}
+
+Expr convertColon3(const ParseTree& tree) {
+  const Expr first = convert(tree.child(0));
+  const Expr second = convert(tree.child(2));
+  const Expr third = convert(tree.child(4));
+  return OpExpr(OpExprType::Colon3, first, second, third, rangeOf(tree));
+}
+
+/// Rows without elements are left out.
+Expr convertMatrix(const ParseTree& tree) {
+  std::vector<MatrixExpr::Row> rows;
+  for (const ParseTree& row : childrenOf(tree.child(1))) {
+    if (row.count() != 0) rows.push_back(mapChildren(row, convert));
+  }
+  return MatrixExpr(rows, rangeOf(tree));
+}
+
+Expr convertFieldValueArray(const ParseTree& tree) {
+  // The place that a pair carries is here its own and not that of its last token: intended.
+  const auto convertPair = [](const ParseTree& pair) {
+    return IdentValuePair(Ident(pair.child(0).token()), convert(pair.child(2)), pair.location());
+  };
+  return FieldValueArrayExpr(nvf::Expressions<IdentValuePair>(mapChildren(tree.child(0), convertPair)), rangeOf(tree));
+}
+
+Expr convertNonTerminal(const ParseTree& tree) {
+  switch (operandCount(tree)) {
+  case 1: return convertUnary(tree);
+  case 2: return convertBinary(tree);
+  case 3: return convertColon3(tree);
+  default: break;
+  }
+  switch (tree.code()) {
+  case K::ParenExpr: return convert(tree.child(1));
+  case K::Matrix: return convertMatrix(tree);
+  case K::FieldValueArray: return convertFieldValueArray(tree);
+  case K::UnitExpression: return UnitExpr(convert(tree.child(0)), convertUnit(tree.child(1)), rangeOf(tree));
+  case K::Dot: return convertPath(tree);
+  case K::Subsref: return isValue(tree) ? convertValue(tree) : Expr(convertPath(tree));
+  default: throw Unrecognized();
+  }
+}
+
+Expr convert(const ParseTree& tree) {
+  if (tree.type() == 0) return convertTerminal(tree.token());
+  return nvf::with_stack([&] { return convertNonTerminal(tree); });
+}
+
+} // namespace
+
+std::optional<Expr> to_setup_expr(const ParseTree& tree) {
+  try {
+    return convert(tree);
+  } catch (const Unrecognized&) {
+    return std::nullopt;
+  }
+}
+
+} // namespace tessarin::compiler::core
