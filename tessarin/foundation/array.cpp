@@ -2,6 +2,7 @@
 
 #include "tessarin/foundation/number.hpp"
 
+#include <algorithm>
 #include <limits>
 
 namespace nvf {
@@ -59,6 +60,9 @@ std::optional<ArrayType> array_type(std::string_view userName) {
   const auto m = whole_number<std::size_t>(userName.substr(blank + 1, cross - blank - 1));
   const auto n = whole_number<std::size_t>(userName.substr(cross + 1));
   if (!element || !m || !n || productOverflows(*m, *n)) return std::nullopt;
+  // Rows without columns cost their text nothing, and whoever makes a matrix of them has to make them all.
+  constexpr std::size_t mostEmptyRows = 65'536;
+  if (*n == 0 && *m > mostEmptyRows) return std::nullopt;
   return ArrayType{*element, ArraySize(*m, *n)};
 }
 

@@ -1,6 +1,7 @@
 #include "tessarin/foundation/location.hpp"
 
 #include <ostream>
+#include <string>
 
 namespace nvf {
 
@@ -24,7 +25,8 @@ void incorporate_data(DigestSink& sink, const Location& l) {
 std::ostream& operator<<(std::ostream& stream, const Location& l) {
   stream << '(';
   if (!l.fileName_.empty()) stream << l.fileName_.native().view() << ':';
-  return stream << l.lineColumn_.line() + 1 << ':' << l.lineColumn_.column() + 1 << ')';
+  // Through strings: a locale of the stream's must not group the digits.
+  return stream << std::to_string(l.lineColumn_.line() + 1) << ':' << std::to_string(l.lineColumn_.column() + 1) << ')';
 }
 
 Range Range::operator+(const Range& other) const noexcept {

@@ -3,9 +3,11 @@
 #include <array>
 #include <atomic>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <new>
+#include <string_view>
 #include <vector>
 
 namespace nvf::detail {
@@ -82,6 +84,10 @@ public:
   Shard() { slots_.store(newSlots(64), std::memory_order_release); }
 
 private:
+  /// The slots that are looked at for a text. An entry that finds no room in them goes to `crowded_`: texts that were
+  /// made to collide cost a logarithm each, and not a walk over all of them.
+  static constexpr std::size_t maxProbes = 64;
+
   struct Slots {
     std::size_t mask;
     std::unique_ptr<std::atomic<const TableEntry*>[]> entries;
@@ -90,33 +96,46 @@ private:
         : mask(capacity - 1), entries(std::make_unique<std::atomic<const TableEntry*>[]>(capacity)) {}
 
     const TableEntry* find(const CharT* text, std::size_t size, std::size_t hash) const noexcept {
-      for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+      std::size_t i = hash & mask;
+      for (std::size_t probe = 0; probe < maxProbes; ++probe, i = (i + 1) & mask) {
         const TableEntry* entry = entries[i].load(std::memory_order_acquire);
         if (entry == nullptr) return nullptr;
         if (entry->hash == hash && entry->size == size && std::memcmp(entry + 1, text, size * sizeof(CharT)) == 0) {
           return entry;
         }
       }
+      return nullptr;
     }
 
-    void add(const TableEntry* entry) noexcept {
+    /// False where there is no room within reach.
+    bool add(const TableEntry* entry) noexcept {
       std::size_t i = entry->hash & mask;
-      while (entries[i].load(std::memory_order_relaxed) != nullptr) i = (i + 1) & mask;
-      entries[i].store(entry, std::memory_order_release);
+      for (std::size_t probe = 0; probe < maxProbes; ++probe, i = (i + 1) & mask) {
+        if (entries[i].load(std::memory_order_relaxed) != nullptr) continue;
+        entries[i].store(entry, std::memory_order_release);
+        return true;
+      }
+      return false;
     }
   };
+
+  using View = std::basic_string_view<CharT>;
+  void place(Slots& slots, const TableEntry* entry) {
+    if (!slots.add(entry)) crowded_.emplace(View(reinterpret_cast<const CharT*>(entry + 1), entry->size), entry);
+  }
 
   const TableEntry* insert(const CharT* text, std::size_t size, std::size_t hash) {
     const std::scoped_lock lock(mutex_);
     Slots* slots = all_.back().get();
     if (const TableEntry* found = slots->find(text, size, hash)) return found;
+    if (const auto found = crowded_.find(View(text, size)); found != crowded_.end()) return found->second;
     if (2 * (count_ + 1) > slots->mask + 1) slots = grow(*slots);
     void* memory = arena_.allocate(sizeof(TableEntry) + (size + 1) * sizeof(CharT));
     auto* entry = new (memory) TableEntry{hash, size};
     auto* chars = reinterpret_cast<CharT*>(entry + 1);
     std::memcpy(chars, text, size * sizeof(CharT));
     chars[size] = CharT();
-    slots->add(entry);
+    place(*slots, entry);
     ++count_;
     return entry;
   }
@@ -129,7 +148,7 @@ private:
   Slots* grow(const Slots& old) {
     Slots* larger = newSlots(2 * (old.mask + 1));
     for (std::size_t i = 0; i <= old.mask; ++i) {
-      if (const TableEntry* entry = old.entries[i].load(std::memory_order_relaxed)) larger->add(entry);
+      if (const TableEntry* entry = old.entries[i].load(std::memory_order_relaxed)) place(*larger, entry);
     }
     slots_.store(larger, std::memory_order_release);
     return larger;
@@ -138,6 +157,7 @@ private:
   std::atomic<const Slots*> slots_ = nullptr;
   std::mutex mutex_;
   std::vector<std::unique_ptr<Slots>> all_;
+  std::map<View, const TableEntry*> crowded_; // guarded by the lock
   std::size_t count_ = 0;
   Arena arena_;
 };

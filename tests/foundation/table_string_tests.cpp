@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <thread>
 #include <vector>
@@ -74,6 +76,27 @@ TEST(TableString, LongTextsAreKeptWhole) {
     text.back() = u'y';
     EXPECT_EQ(UString(text), text);
     EXPECT_EQ(UString(text).data(), UString(text).data());
+  }
+}
+
+TEST(TableString, TextsThatWereMadeToCollideTakeNoWalkOverAllOfThem) {
+  // Each step of the hash can be undone, so that for any first word there is a second one after which all states are
+  // the same. A walk over all of these texts for each of them would not end before the time limit.
+  const auto collide = [](std::uint64_t first) {
+    std::uint64_t state = (std::uint64_t{16} ^ first) * 0x9e3779b97f4a7c15U;
+    state ^= state >> 32U;
+    const std::uint64_t words[] = {first, state ^ 0x1234'5678'9abc'def0U};
+    std::u16string text(8, u'\0');
+    std::memcpy(text.data(), words, sizeof words);
+    return text;
+  };
+  EXPECT_EQ(UString(collide(1)).hash(), UString(collide(2)).hash());
+  constexpr std::uint64_t count = 200'000;
+  for (std::uint64_t i = 0; i < count; ++i) UString{collide(i)};
+  for (std::uint64_t i = 0; i < count; i += 1000) {
+    const UString text(collide(i));
+    EXPECT_EQ(text, collide(i));
+    EXPECT_EQ(text, UString(collide(i)));
   }
 }
 

@@ -53,7 +53,8 @@ nvf::Expressions<Ident> ASTBuilder::buildIdentList1(const ParseTree& tree) const
 
 IdentValuePair ASTBuilder::buildIdentValuePair(const ParseTree& tree) const {
   const Expr value = buildExpr(childOf(tree, 2));
-  return {buildIdent(tree.child(0)), value, tree.right()->location()};
+  const Token* last = tree.right();
+  return {buildIdent(childOf(tree, 0)), value, last == nullptr ? nvf::Location() : last->location()};
 }
 
 nvf::Expressions<IdentValuePair> ASTBuilder::buildIdentValuePairs(const ParseTree& tree) const {

@@ -18,6 +18,12 @@ template <class Msg, class... Arguments>
   throw nvf::LocatedError<Msg>(location, false, arguments...);
 }
 
+/// The place of the first token below; a default one where a tree that no text gives has none.
+inline nvf::Location placeOf(const ParseTree& tree) {
+  const Token* first = tree.left();
+  return first == nullptr ? nvf::Location() : first->location();
+}
+
 /// Reports a tree that the grammar does not yield.
 [[noreturn]] inline void fatal(const char* text, int line, const char* signature) {
   nvf::terminate(text, "parser/ast/ASTBuilder", line, signature);

@@ -26,8 +26,8 @@ IdListValuePair named(IdListValuePair pair) {
 
 IdListValuePair ASTBuilder::buildEqnDeclaration(const ParseTree& tree, std::size_t idIndex,
                                                 std::size_t valueIndex) const {
-  nvf::Expressions<OptIdent> ids = buildIdentList(tree.child(idIndex));
-  return named(IdListValuePair(ids, buildExpr(tree.child(valueIndex)), false));
+  nvf::Expressions<OptIdent> ids = buildIdentList(childOf(tree, idIndex));
+  return named(IdListValuePair(ids, buildExpr(childOf(tree, valueIndex)), false));
 }
 
 std::vector<IdListValuePair> ASTBuilder::buildEqDeclarationList(const ParseTree& tree) const {
@@ -35,18 +35,18 @@ std::vector<IdListValuePair> ASTBuilder::buildEqDeclarationList(const ParseTree&
 }
 
 Ident ASTBuilder::buildUntypedEqnDeclaration(const ParseTree& tree, std::size_t idIndex) const {
-  return buildIdent(tree.child(idIndex));
+  return buildIdent(childOf(tree, idIndex));
 }
 
 IdListValuePair ASTBuilder::buildModelItemDecl(const ParseTree& tree) const {
-  nvf::Expressions<OptIdent> ids = buildIdentList(tree.child(0));
-  const Expr value = buildExpr(tree.child(2));
-  return named(IdListValuePair(ids, value, tree.child(1).isTerminalType(TokenId::COLONEQUALS)));
+  nvf::Expressions<OptIdent> ids = buildIdentList(childOf(tree, 0));
+  const Expr value = buildExpr(childOf(tree, 2));
+  return named(IdListValuePair(ids, value, childOf(tree, 1).isTerminalType(TokenId::COLONEQUALS)));
 }
 
 ObjectArrayElementDecl ASTBuilder::buildObjArrayDecl(const ParseTree& tree) const {
-  const Ident name = buildIdent(tree.child(0));
-  nvf::Expressions<Ident> indices(mapChildren(tree.child(2), [this](const ParseTree& item) {
+  const Ident name = buildIdent(childOf(tree, 0));
+  nvf::Expressions<Ident> indices(mapChildren(childOf(tree, 2), [this](const ParseTree& item) {
     const Expr index = buildExpr(item);
     const auto* variable = index.getIf<Variable>();
     if (variable == nullptr || !variable->isID()) {
@@ -54,15 +54,15 @@ ObjectArrayElementDecl ASTBuilder::buildObjArrayDecl(const ParseTree& tree) cons
     }
     return variable->id();
   }));
-  return ObjectArrayElementDecl(IdParenIds(name, indices), buildExpr(tree.child(5)));
+  return ObjectArrayElementDecl(IdParenIds(name, indices), buildExpr(childOf(tree, 5)));
 }
 
 DeclarationBlock ASTBuilder::buildDeclarationBlock(const ParseTree& tree) const {
-  const Token& keyword = tree.child(0).token();
+  const Token& keyword = childOf(tree, 0).token();
   const MemberType::Value type = DeclarationBlock::declarationType(keyword.code());
-  const nvf::Expressions<IdentValuePair> attributes = buildIdentValuePairs(tree.child(1));
+  const nvf::Expressions<IdentValuePair> attributes = buildIdentValuePairs(childOf(tree, 1));
   nvf::Expressions<DeclarationItem> declarations(
-      mapChildren(tree.child(2), [this](const ParseTree& item) -> DeclarationItem {
+      mapChildren(childOf(tree, 2), [this](const ParseTree& item) -> DeclarationItem {
         switch (item.code()) {
         case K::ModelItemDeclaration: return buildModelItemDecl(item);
         case K::ObjectArrayItemDeclaration: return buildObjArrayDecl(item);
@@ -87,9 +87,9 @@ nvf::Expressions<FunctionEqnItem> ASTBuilder::buildFunctionEqnItems(const ParseT
 }
 
 DefinitionsBlock ASTBuilder::buildDefinitionsBlock(const ParseTree& tree) const {
-  const nvf::Expressions<IdentValuePair> attributes = buildIdentValuePairs(tree.child(1));
-  const nvf::Expressions<FunctionEqnItem> items = buildFunctionEqnItems(tree.child(2));
-  return DefinitionsBlock(items, attributes, tree.child(0).token().location());
+  const nvf::Expressions<IdentValuePair> attributes = buildIdentValuePairs(childOf(tree, 1));
+  const nvf::Expressions<FunctionEqnItem> items = buildFunctionEqnItems(childOf(tree, 2));
+  return DefinitionsBlock(items, attributes, childOf(tree, 0).token().location());
 }
 
 // ---- names of other files ----
@@ -101,14 +101,14 @@ Name ASTBuilder::buildTypeSpecifier(const ParseTree& tree) const {
 std::vector<ImportStmt> ASTBuilder::buildImports(const ParseTree& tree) const {
   return mapChildren(tree, [this](const ParseTree& item) {
     const bool isUnqualified = item.count() == 3; // the last child is the ".*"
-    return ImportStmt(buildTypeSpecifier(item.child(1)), isUnqualified, item.child(0).location());
+    return ImportStmt(buildTypeSpecifier(childOf(item, 1)), isUnqualified, childOf(item, 0).location());
   });
 }
 
 ClassInitializer ASTBuilder::buildClassInitializer(const ParseTree& tree) const {
-  const Name name = buildTypeSpecifier(tree.child(0));
+  const Name name = buildTypeSpecifier(childOf(tree, 0));
   std::vector<NamedArgument> arguments;
-  if (tree.count() > 1) arguments = buildEqnNamedArgs(tree.child(1), true);
+  if (tree.count() > 1) arguments = buildEqnNamedArgs(childOf(tree, 1), true);
   return ClassInitializer(name, std::move(arguments));
 }
 
@@ -117,7 +117,7 @@ ClassInitializer ASTBuilder::buildClassInitializer(const ParseTree& tree) const 
 AnnotationsBlock ASTBuilder::buildAnnotationsBlock(const ParseTree& tree) const {
   std::vector<IdentValuePair> classAnnotations;
   std::vector<MemberAnnotation> annotations;
-  for (const ParseTree& item : childrenOf(tree.child(1))) {
+  for (const ParseTree& item : childrenOf(childOf(tree, 1))) {
     if (item.isNonTerminalType(K::AvPairs)) {
       // The pairs of one line stand nested, each behind a node of those before it.
       const ParseTree pairs = item.roll();
@@ -126,16 +126,16 @@ AnnotationsBlock ASTBuilder::buildAnnotationsBlock(const ParseTree& tree) const 
       annotations.push_back(buildMemberAnnotation(item));
     }
   }
-  return AnnotationsBlock(std::move(classAnnotations), std::move(annotations), tree.child(0).token().location());
+  return AnnotationsBlock(std::move(classAnnotations), std::move(annotations), childOf(tree, 0).token().location());
 }
 
 MemberAnnotation ASTBuilder::buildMemberAnnotation(const ParseTree& tree) const {
-  if (tree.child(0).isTerminalType(TokenId::ID)) {
-    const nvf::Expressions<Ident> id{buildIdent(tree.child(0))};
-    return MemberAnnotation(id, buildIdentValuePairs(tree.child(2)));
+  if (childOf(tree, 0).isTerminalType(TokenId::ID)) {
+    const nvf::Expressions<Ident> id{buildIdent(childOf(tree, 0))};
+    return MemberAnnotation(id, buildIdentValuePairs(childOf(tree, 2)));
   }
-  const nvf::Expressions<Ident> ids = buildIdentList1(tree.child(1));
-  return MemberAnnotation(ids, buildIdentValuePairs(tree.child(4)));
+  const nvf::Expressions<Ident> ids = buildIdentList1(childOf(tree, 1));
+  return MemberAnnotation(ids, buildIdentValuePairs(childOf(tree, 4)));
 }
 
 } // namespace tessarin::compiler::core

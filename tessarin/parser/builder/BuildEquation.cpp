@@ -25,7 +25,7 @@ std::vector<EqnItem> ASTBuilder::buildEqnItemList(const ParseTree& tree) const {
 
 EquationBlock ASTBuilder::buildEquationBlock(const ParseTree& tree) const {
   const nvf::Expressions<IdentValuePair> attributes = buildIdentValuePairs(childOf(tree, 1));
-  return {buildEqnItemList(childOf(tree, 2)), attributes, tree.child(0).token().location()};
+  return {buildEqnItemList(childOf(tree, 2)), attributes, childOf(tree, 0).token().location()};
 }
 
 IfExpr ASTBuilder::buildIfExpr(const ParseTree& tree) const {
@@ -33,7 +33,7 @@ IfExpr ASTBuilder::buildIfExpr(const ParseTree& tree) const {
   const std::vector<EqnItem> ifItems = buildEqnItemList(childOf(tree, 2));
   const std::vector<ElseifBranch> elseifs = mapChildren(childOf(tree, 3), [this](const ParseTree& branch) {
     const std::vector<EqnItem> items = buildEqnItemList(childOf(branch, 1));
-    return ElseifBranch(buildExpr(branch.child(0)), items);
+    return ElseifBranch(buildExpr(childOf(branch, 0)), items);
   });
   const std::vector<EqnItem> elseItems = buildEqnItemList(childOf(childOf(tree, 4), 0));
   return {condition, ifItems, elseItems, elseifs, computeRange(tree)};
@@ -55,7 +55,7 @@ WhenClause ASTBuilder::buildWhenClause(const ParseTree& tree) const {
 
 EventBlock ASTBuilder::buildEventBlock(const ParseTree& tree) const {
   return {mapChildren(childOf(tree, 1), [this](const ParseTree& clause) { return buildWhenClause(clause); }),
-          tree.child(0).token().location()};
+          childOf(tree, 0).token().location()};
 }
 
 // ---- assertions ----

@@ -96,18 +96,18 @@ Expr buildUnary(const ASTBuilder& builder, const ParseTree& tree, OpExprType typ
 
 Expr buildColon3(const ASTBuilder& builder, const ParseTree& tree) {
   const Expr third = builder.buildExpr(childOf(tree, 4));
-  const Expr second = builder.buildExpr(tree.child(2));
-  const Expr first = builder.buildExpr(tree.child(0));
+  const Expr second = builder.buildExpr(childOf(tree, 2));
+  const Expr first = builder.buildExpr(childOf(tree, 0));
   return OpExpr(OpExprType::Colon3, first, second, third, builder.computeRange(tree));
 }
 
 Expr buildValueExpr(const ASTBuilder& builder, const ParseTree& tree) {
   if (tree.count() != 3 && tree.count() != 4) fatal("Unexpected parse tree.", 452, buildExprSignature);
-  const Expr value = builder.buildExpr(tree.child(1));
-  const UnitLiteral unit = unitLiteral(tree.child(2).token());
+  const Expr value = builder.buildExpr(childOf(tree, 1));
+  const UnitLiteral unit = unitLiteral(childOf(tree, 2).token());
   const nvf::Range range = builder.computeRange(tree);
   if (tree.count() == 3) return ValueExpr(value, unit, range);
-  return ValueExpr(value, unit, builder.toCvLiteral(tree.child(3).token()), range);
+  return ValueExpr(value, unit, builder.toCvLiteral(childOf(tree, 3).token()), range);
 }
 
 Expr buildUnitExpr(const ASTBuilder& builder, const ParseTree& tree) {

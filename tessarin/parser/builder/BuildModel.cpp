@@ -74,11 +74,11 @@ DeclarativeSections ASTBuilder::buildDeclarative(const ParseTree& tree) const {
 }
 
 ConditionalSection ASTBuilder::buildConditionalSection(const ParseTree& tree) const {
-  const Expr predicate = buildExpr(tree.child(0));
-  const IfSection ifSection(predicate, buildDeclarative(tree.child(1)));
-  std::vector<ElseifSection> elseifs = buildElseifSections(tree.child(2));
+  const Expr predicate = buildExpr(childOf(tree, 0));
+  const IfSection ifSection(predicate, buildDeclarative(childOf(tree, 1)));
+  std::vector<ElseifSection> elseifs = buildElseifSections(childOf(tree, 2));
   std::optional<ElseSection> elseSection;
-  if (tree.child(3).count() != 0) elseSection = buildElseSection(tree.child(3));
+  if (childOf(tree, 3).count() != 0) elseSection = buildElseSection(childOf(tree, 3));
   return ConditionalSection(ifSection, std::move(elseifs), elseSection);
 }
 
@@ -87,17 +87,17 @@ std::vector<ElseifSection> ASTBuilder::buildElseifSections(const ParseTree& tree
 }
 
 ElseifSection ASTBuilder::buildElseifSection(const ParseTree& tree) const {
-  const Expr predicate = buildExpr(tree.child(0));
-  return ElseifSection(predicate, buildDeclarative(tree.child(1)));
+  const Expr predicate = buildExpr(childOf(tree, 0));
+  return ElseifSection(predicate, buildDeclarative(childOf(tree, 1)));
 }
 
 ElseSection ASTBuilder::buildElseSection(const ParseTree& tree) const {
-  return ElseSection(buildDeclarative(tree.child(0).child(0)));
+  return ElseSection(buildDeclarative(childOf(childOf(tree, 0), 0)));
 }
 
 ForLoop ASTBuilder::buildForLoop(const ParseTree& tree) const {
-  const IdentValuePair pair = buildIdentValuePair(tree.child(0));
-  const DeclarativeSections body = buildDeclarative(tree.child(1));
+  const IdentValuePair pair = buildIdentValuePair(childOf(tree, 0));
+  const DeclarativeSections body = buildDeclarative(childOf(tree, 1));
   // Only what stands in the loop itself is refused: a block inside an `if` inside the loop passes, intended.
   if (!body.annotationsBlocks().empty()) raiseAt<AnnotationsInForLoop>(body.annotationsBlocks().front().location());
   return ForLoop(pair, body.semanticSections());
@@ -114,9 +114,9 @@ constexpr std::size_t firstSection = 3;
 } // namespace
 
 Model ASTBuilder::buildModel(const ParseTree& tree, FileSource source) const {
-  const Token& keyword = tree.child(0).token();
-  const nvf::Expressions<IdentValuePair> attributes = buildIdentValuePairs(tree.child(1));
-  const Ident name = buildIdent(tree.child(2));
+  const Token& keyword = childOf(tree, 0).token();
+  const nvf::Expressions<IdentValuePair> attributes = buildIdentValuePairs(childOf(tree, 1));
+  const Ident name = buildIdent(childOf(tree, 2));
   std::optional<ClassInitializer> baseClass;
   ParseTree setup;
   Sections sections;
@@ -142,10 +142,10 @@ Model ASTBuilder::buildModel(const ParseTree& tree, FileSource source) const {
 // ---- functions ----
 
 TSNFunction ASTBuilder::buildTSNFunction(const ParseTree& tree, FileSource source) const {
-  const nvf::Expressions<Ident> outputs = buildIdentList1(tree.child(0));
-  const Ident name = buildIdent(tree.child(1));
+  const nvf::Expressions<Ident> outputs = buildIdentList1(childOf(tree, 0));
+  const Ident name = buildIdent(childOf(tree, 1));
   nvf::Expressions<Ident> inputs;
-  if (tree.child(2).isNonTerminalType(K::FcnInputs)) inputs = buildIdentList1(tree.child(2).child(1));
+  if (childOf(tree, 2).isNonTerminalType(K::FcnInputs)) inputs = buildIdentList1(childOf(childOf(tree, 2), 1));
   nvf::Expressions1<DefinitionsBlock> definitions(mapChildren(
       tree, [this](const ParseTree& block) { return buildDefinitionsBlock(block); }, 3));
   return TSNFunction(name, outputs, inputs, definitions, source);
@@ -172,17 +172,17 @@ namespace {
 /// The model or function of a file, which must be of this kind; raises `Msg` for any other file.
 template <class Msg>
 const ParseTree& mainItem(const ParseTree& tree, NonTerminal::Value kind) {
-  if (tree.child(0).isNonTerminalType(K::Stmts) || !tree.child(1).isNonTerminalType(kind)) {
+  if (childOf(tree, 0).isNonTerminalType(K::Stmts) || !childOf(tree, 1).isNonTerminalType(kind)) {
     throw nvf::MessageException(nvf::Message(Msg()));
   }
-  return tree.child(1);
+  return childOf(tree, 1);
 }
 
 } // namespace
 
 TSNFile ASTBuilder::buildTSNFile(const ParseTree& tree, FileSource source) const {
-  if (tree.child(0).isNonTerminalType(K::Stmts)) throw nvf::MessageException(nvf::Message(InvalidTsnFile()));
-  if (tree.child(1).isNonTerminalType(K::Model)) return buildModelFile(tree, source);
+  if (childOf(tree, 0).isNonTerminalType(K::Stmts)) throw nvf::MessageException(nvf::Message(InvalidTsnFile()));
+  if (childOf(tree, 1).isNonTerminalType(K::Model)) return buildModelFile(tree, source);
   return buildTSNFunctionFile(tree, source);
 }
 
@@ -191,15 +191,15 @@ TSNFile ASTBuilder::buildTSNFile(const ParseTree& tree, FileSource source) const
 
 ModelFile ASTBuilder::buildModelFile(const ParseTree& tree, FileSource source) const {
   const ParseTree& model = mainItem<InvalidTsnModel>(tree, K::Model);
-  const LocalTSNFunctions functions = buildTSNFunctions(tree.child(2), buildIdent(model.child(2)), source);
-  const std::vector<ImportStmt> imports = buildImports(tree.child(0));
+  const LocalTSNFunctions functions = buildTSNFunctions(childOf(tree, 2), buildIdent(childOf(model, 2)), source);
+  const std::vector<ImportStmt> imports = buildImports(childOf(tree, 0));
   return ModelFile(buildModel(model, source), imports, functions);
 }
 
 TSNFunctionFile ASTBuilder::buildTSNFunctionFile(const ParseTree& tree, FileSource source) const {
   const ParseTree& function = mainItem<InvalidTsnFunction>(tree, K::TSNFunction);
-  const LocalTSNFunctions functions = buildTSNFunctions(tree.child(2), buildIdent(function.child(1)), source);
-  const std::vector<ImportStmt> imports = buildImports(tree.child(0));
+  const LocalTSNFunctions functions = buildTSNFunctions(childOf(tree, 2), buildIdent(childOf(function, 1)), source);
+  const std::vector<ImportStmt> imports = buildImports(childOf(tree, 0));
   return TSNFunctionFile(buildTSNFunction(function, source), imports, functions);
 }
 
@@ -216,7 +216,7 @@ ComponentStructureInfo ASTBuilder::extractStructureInfo(const ParseTree& tree) c
     case K::EquationsBlock:
     case K::EventsBlock: break;
     case K::ModelDeclarationBlock:
-      if (child.child(0).isTerminalType(TokenId::COMPONENTS)) declarations.push_back(buildDeclarationBlock(child));
+      if (childOf(child, 0).isTerminalType(TokenId::COMPONENTS)) declarations.push_back(buildDeclarationBlock(child));
       break;
     case K::ConnectionsBlock: connections.push_back(buildConnectionBlock(child)); break;
     case K::BranchesBlock: branches.push_back(buildBranchBlock(child)); break;
@@ -226,7 +226,7 @@ ComponentStructureInfo ASTBuilder::extractStructureInfo(const ParseTree& tree) c
             "extractStructureInfo(const tessarin::compiler::core::ParseTree&) const");
     }
   }
-  return ComponentStructureInfo(buildImports(tree.child(0)), std::move(declarations), std::move(connections),
+  return ComponentStructureInfo(buildImports(childOf(tree, 0)), std::move(declarations), std::move(connections),
                                 std::move(branches));
 }
 

@@ -31,8 +31,8 @@ bool isReference(const ParseTree& tree) {
 
 /// The arguments of a reference that is one name with one argument list in parentheses; null for any other tree.
 const ParseTree* callArguments(const ParseTree& tree) {
-  if (!isReference(tree) || tree.count() != 4 || !tree.child(1).isTerminalType(TokenId::LP)) return nullptr;
-  return tree.child(2).isNonTerminalType(K::EqnArgs) ? &tree.child(2) : nullptr;
+  if (!isReference(tree) || tree.count() != 4 || !childOf(tree, 1).isTerminalType(TokenId::LP)) return nullptr;
+  return childOf(tree, 2).isNonTerminalType(K::EqnArgs) ? &childOf(tree, 2) : nullptr;
 }
 
 const ParseTree& positionalList(const ParseTree& arguments) {
@@ -51,7 +51,7 @@ const ParseTree& reservedArguments(const ParseTree& tree, std::size_t least, std
     const bool fits = positional.count() >= least && positional.count() <= most;
     if (fits && namedList(*arguments).count() == 0) return positional;
   }
-  raiseAt<Msg>(tree.location());
+  raiseAt<Msg>(placeOf(tree));
 }
 
 constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);
@@ -60,7 +60,7 @@ constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);
 std::vector<std::size_t> namePositions(const ParseTree& tree) {
   std::vector<std::size_t> positions;
   for (std::size_t i = 0; i < tree.count(); ++i) {
-    if (tree.child(i).isTerminalType(TokenId::ID)) positions.push_back(i);
+    if (childOf(tree, i).isTerminalType(TokenId::ID)) positions.push_back(i);
   }
   return positions;
 }
@@ -78,7 +78,7 @@ struct ArgumentList {
 ArgumentList argumentListAt(const ASTBuilder& builder, const ParseTree& tree, std::size_t position) {
   const ParseTree& arguments = childOf(tree, position + 1);
   if (!arguments.isNonTerminalType(K::EqnArgs)) fatal(notRecognized, 575, buildVariableSignature);
-  return {arguments, builder.computeRange(tree.child(position)) + builder.computeRange(childOf(tree, position + 2))};
+  return {arguments, builder.computeRange(childOf(tree, position)) + builder.computeRange(childOf(tree, position + 2))};
 }
 
 // ---- pieces of the reserved forms ----
@@ -93,7 +93,7 @@ std::optional<ParenSubs> furtherSubs(std::vector<Subscript> all, std::size_t cou
 /// The variable that an argument of a reserved call must be.
 template <class Msg>
 Variable variableArgument(const ASTBuilder& builder, const ParseTree& call, const ParseTree& argument) {
-  if (!isReference(argument)) raiseAt<Msg>(call.location());
+  if (!isReference(argument)) raiseAt<Msg>(placeOf(call));
   return builder.buildVariable(argument);
 }
 
@@ -106,13 +106,13 @@ struct Callee {
 /// The positional arguments of an argument list that has no named ones.
 std::vector<Expr> positionalOf(const ParseTree& call, const Arguments& list) {
   std::optional<FunctionCallArguments> arguments = to_functioncall_args(list);
-  if (!arguments || !arguments->named.empty()) raiseAt<InvalidFunctionCallSyntax>(call.location());
+  if (!arguments || !arguments->named.empty()) raiseAt<InvalidFunctionCallSyntax>(placeOf(call));
   return std::move(arguments->positional);
 }
 
 Callee calleeOf(const ASTBuilder& builder, const ParseTree& call, const ParseTree& argument) {
   const auto pair = to_pathtailpair(variableArgument<InvalidFunctionCallSyntax>(builder, call, argument));
-  if (!pair) raiseAt<InvalidFunctionCallSyntax>(call.location());
+  if (!pair) raiseAt<InvalidFunctionCallSyntax>(placeOf(call));
   Callee callee{pair->first, std::nullopt};
   if (pair->second) callee.arguments = positionalOf(call, *pair->second);
   return callee;
@@ -122,9 +122,9 @@ Callee calleeOf(const ASTBuilder& builder, const ParseTree& call, const ParseTre
 template <class Msg>
 nvf::Expressions<IdValueIndices> constantPath(const ASTBuilder& builder, const ParseTree& call,
                                               const ParseTree& argument) {
-  if (!isReference(argument)) raiseAt<Msg>(call.location());
+  if (!isReference(argument)) raiseAt<Msg>(placeOf(call));
   const auto path = to_idvalueindicespath(builder.buildIdSubsPath(argument, namePositions(argument)));
-  if (!path || path->empty()) raiseAt<Msg>(call.location());
+  if (!path || path->empty()) raiseAt<Msg>(placeOf(call));
   return *path;
 }
 
@@ -148,14 +148,10 @@ std::optional<nvf::ValueToken> valueToken(const ParseTree& tree) {
     return nvf::StringValueToken(std::move(text));
   }
   const bool isNegative = tree.isNonTerminalType(K::UnaryMinus) && tree.count() == 2;
-  const auto digits = unsignedNumberText(isNegative ? tree.child(1) : tree);
+  const auto digits = unsignedNumberText(isNegative ? childOf(tree, 1) : tree);
   if (!digits) return std::nullopt;
   const nvf::ustring text = isNegative ? u"-" + *digits : *digits;
-  try {
-    return nvf::NumericValueToken(text);
-  } catch (const nvf::Exception&) {
-    return std::nullopt; // a spelling of "inf" or "nan" that is no number, such as "INF"
-  }
+  return nvf::NumericValueToken(text);
 }
 
 std::optional<std::vector<nvf::ValueToken>> valueTokens(const ParseTree& tree) {
@@ -230,7 +226,7 @@ Variable ASTBuilder::buildVariable(const ParseTree& tree) const {
     arguments = Arguments(positional, buildEqnNamedArgs(namedList(list.arguments), true), list.range);
   }
   const nvf::Expressions<IdParenSubs> path = buildIdSubsPath(tree, positions);
-  return {buildIdent(tree.child(last)), path, arguments, computeRange(tree)};
+  return {buildIdent(childOf(tree, last)), path, arguments, computeRange(tree)};
 }
 
 nvf::Expressions<IdParenSubs> ASTBuilder::buildIdSubsPath(const ParseTree& tree,
@@ -238,14 +234,14 @@ nvf::Expressions<IdParenSubs> ASTBuilder::buildIdSubsPath(const ParseTree& tree,
   std::vector<IdParenSubs> steps;
   steps.reserve(positions.size());
   for (const std::size_t position : positions) {
-    const Ident name = buildIdent(tree.child(position));
-    if (position + 1 == tree.count() || tree.child(position + 1).isTerminalType(TokenId::DOT)) {
+    const Ident name = buildIdent(childOf(tree, position));
+    if (position + 1 == tree.count() || childOf(tree, position + 1).isTerminalType(TokenId::DOT)) {
       steps.emplace_back(name, std::nullopt);
       continue;
     }
     const ArgumentList list = argumentListAt(*this, tree, position + 1);
     const ParseTree& named = namedList(list.arguments);
-    if (named.count() != 0) raiseAt<UnexpectedNamedArg>(named.location());
+    if (named.count() != 0) raiseAt<UnexpectedNamedArg>(placeOf(named));
     steps.emplace_back(name, ParenSubs(buildSubscripts(positionalList(list.arguments)), list.range));
   }
   return nvf::Expressions<IdParenSubs>(std::move(steps));
@@ -261,10 +257,10 @@ std::vector<Subscript> ASTBuilder::buildSubscripts(const ParseTree& tree) const 
 std::vector<NamedArgument> ASTBuilder::buildEqnNamedArgs(const ParseTree& tree, bool allowColonEquals) const {
   return mapChildren(tree, [&](const ParseTree& child) {
     const Expr value = buildExpr(childOf(child, 2));
-    const ParseTree& sign = child.child(1);
+    const ParseTree& sign = childOf(child, 1);
     const bool isColonEquals = sign.isTerminalType(TokenId::COLONEQUALS);
-    if (isColonEquals && !allowColonEquals) raiseAt<NoColonEquals>(sign.location());
-    const ParseTree& name = child.child(0);
+    if (isColonEquals && !allowColonEquals) raiseAt<NoColonEquals>(placeOf(sign));
+    const ParseTree& name = childOf(child, 0);
     const bool isValueRef = firstName(name) == ValueRef::ctor().view();
     return NamedArgument(isValueRef ? NamedArgumentName(buildValueRef(name)) : NamedArgumentName(buildVariable(name)),
                          value, isColonEquals);
@@ -277,7 +273,7 @@ FullPathVariable ASTBuilder::buildFullPathVariable(const ParseTree& tree) const 
   using Msg = InvalidFullPathVariableSyntax;
   const ParseTree& positional = reservedArguments<Msg>(tree, 1, anyNumber);
   const std::vector<Subscript> subs = buildSubscripts(positional);
-  if (subs.front().expr() == nullptr) raiseAt<Msg>(tree.location());
+  if (subs.front().expr() == nullptr) raiseAt<Msg>(placeOf(tree));
   return {to_unique_paths(*subs.front().expr()), furtherSubs(subs, 1, computeRange(positional)), std::nullopt,
           computeRange(tree)};
 }
@@ -288,7 +284,7 @@ RelativePathVariable ASTBuilder::buildRelativePathVariable(const ParseTree& tree
   const std::vector<Subscript> subs = buildSubscripts(positional);
   const auto depth = subs[0].expr() == nullptr ? std::nullopt : to_whole_number(*subs[0].expr());
   const Variable* name = subs[1].expr() == nullptr ? nullptr : subs[1].expr()->getIf<Variable>();
-  if (!depth || *depth == 0 || name == nullptr || !name->isID()) raiseAt<Msg>(tree.location());
+  if (!depth || *depth == 0 || name == nullptr || !name->isID()) raiseAt<Msg>(placeOf(tree));
   return {nvf::Positive<std::size_t>(*depth), name->id().id(), furtherSubs(subs, 2, computeRange(positional)),
           computeRange(tree)};
 }
@@ -308,12 +304,12 @@ Expr ASTBuilder::buildMRVIndex(const ParseTree& tree) const {
   if (callArguments(tree) == nullptr) return buildVariable(tree);
   const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 3, 3);
   const auto index = [&](std::size_t i) {
-    if (!positional.child(i).isTerminalType(TokenId::NUMBER)) raiseAt<InvalidFunctionCallSyntax>(tree.location());
+    if (!childOf(positional, i).isTerminalType(TokenId::NUMBER)) raiseAt<InvalidFunctionCallSyntax>(placeOf(tree));
     std::string digits;
-    for (const char16_t unit : positional.child(i).token().text()) digits += static_cast<char>(unit);
+    for (const char16_t unit : childOf(positional, i).token().text()) digits += static_cast<char>(unit);
     return boost::lexical_cast<std::size_t>(digits);
   };
-  const Expr expr = buildExpr(positional.child(0));
+  const Expr expr = buildExpr(childOf(positional, 0));
   const std::size_t rvIndex = index(1);
   return MRVIndex(expr, rvIndex, index(2), computeRange(tree));
 }
@@ -321,14 +317,14 @@ Expr ASTBuilder::buildMRVIndex(const ParseTree& tree) const {
 Expr ASTBuilder::buildTransitionExpr(const ParseTree& tree) const {
   if (callArguments(tree) == nullptr) return buildVariable(tree);
   const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 2, 2);
-  const Expr expr = buildExpr(positional.child(0));
-  return TransitionExpr(expr, buildExpr(positional.child(1)));
+  const Expr expr = buildExpr(childOf(positional, 0));
+  return TransitionExpr(expr, buildExpr(childOf(positional, 1)));
 }
 
 Expr ASTBuilder::buildModechartEqnExpr(const ParseTree& tree) const {
   if (callArguments(tree) == nullptr) return buildVariable(tree);
   const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 1, 1);
-  return ModechartEqnExpr(buildExpr(positional.child(0)).get<IfExpr>());
+  return ModechartEqnExpr(buildExpr(childOf(positional, 0)).get<IfExpr>());
 }
 
 // ---- calls ----
@@ -336,17 +332,17 @@ Expr ASTBuilder::buildModechartEqnExpr(const ParseTree& tree) const {
 NativeFunctionCall ASTBuilder::buildNativeFunctionCall(const ParseTree& tree) const {
   const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 1, 1);
   const auto call =
-      to_nativefunctioncall(variableArgument<InvalidFunctionCallSyntax>(*this, tree, positional.child(0)));
-  if (!call) raiseAt<InvalidFunctionCallSyntax>(tree.location());
+      to_nativefunctioncall(variableArgument<InvalidFunctionCallSyntax>(*this, tree, childOf(positional, 0)));
+  if (!call) raiseAt<InvalidFunctionCallSyntax>(placeOf(tree));
   return *call;
 }
 
 CalvexFunctionCall ASTBuilder::buildCalvexFunctionCall(const ParseTree& tree) const {
   const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 4, 4);
-  const Callee callee = calleeOf(*this, tree, positional.child(0));
+  const Callee callee = calleeOf(*this, tree, childOf(positional, 0));
   const auto flag = [&](std::size_t i) {
-    if (positional.child(i).type() != 0) raiseAt<InvalidFunctionCallSyntax>(tree.location());
-    return positional.child(i).token().text().view() == u"1";
+    if (childOf(positional, i).type() != 0) raiseAt<InvalidFunctionCallSyntax>(placeOf(tree));
+    return childOf(positional, i).token().text().view() == u"1";
   };
   const bool isEnum = flag(1);
   const bool dottedEnum = flag(2);
@@ -358,7 +354,7 @@ CalvexFunctionCall ASTBuilder::buildCalvexFunctionCall(const ParseTree& tree) co
 
 TessarinFunctionCall ASTBuilder::buildTessarinFunctionCall(const ParseTree& tree) const {
   const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 1, 1);
-  const Callee callee = calleeOf(*this, tree, positional.child(0));
+  const Callee callee = calleeOf(*this, tree, childOf(positional, 0));
   const nvf::Range range = computeRange(tree);
   if (!callee.arguments) return {callee.path, range};
   return {callee.path, *callee.arguments, range};
@@ -366,9 +362,9 @@ TessarinFunctionCall ASTBuilder::buildTessarinFunctionCall(const ParseTree& tree
 
 TessarinLocalFunctionCall ASTBuilder::buildTessarinLocalFunctionCall(const ParseTree& tree) const {
   const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 2, 2);
-  const Callee file = calleeOf(*this, tree, positional.child(0));
-  const Variable function = variableArgument<InvalidFunctionCallSyntax>(*this, tree, positional.child(1));
-  if (file.arguments || !function.leadingPath().empty()) raiseAt<InvalidFunctionCallSyntax>(tree.location());
+  const Callee file = calleeOf(*this, tree, childOf(positional, 0));
+  const Variable function = variableArgument<InvalidFunctionCallSyntax>(*this, tree, childOf(positional, 1));
+  if (file.arguments || !function.leadingPath().empty()) raiseAt<InvalidFunctionCallSyntax>(placeOf(tree));
   const nvf::Range range = computeRange(tree);
   if (!function.tail()) return {file.path, function.id().id(), range};
   return {file.path, function.id().id(), positionalOf(tree, *function.tail()), range};
@@ -379,11 +375,11 @@ TessarinLocalFunctionCall ASTBuilder::buildTessarinLocalFunctionCall(const Parse
 ValueRef ASTBuilder::buildValueRef(const ParseTree& tree) const {
   using Msg = InvalidValueRefSyntax;
   const ParseTree& positional = reservedArguments<Msg>(tree, 1, 2);
-  const nvf::Expressions<IdValueIndices> path = constantPath<Msg>(*this, tree, positional.child(0));
+  const nvf::Expressions<IdValueIndices> path = constantPath<Msg>(*this, tree, childOf(positional, 0));
   const IdValueIndices& last = *(path.end() - 1);
-  if (last.indices()) raiseAt<Msg>(tree.location());
+  if (last.indices()) raiseAt<Msg>(placeOf(tree));
   std::optional<ValueRefTail> tail;
-  if (positional.count() == 2) tail = buildValueRefTail(positional.child(1));
+  if (positional.count() == 2) tail = buildValueRefTail(childOf(positional, 1));
   return {last.ident(), nvf::Expressions<IdValueIndices>(path.begin(), path.end() - 1), tail, std::nullopt,
           computeRange(tree)};
 }
@@ -395,16 +391,16 @@ std::optional<ValueRefTail> ASTBuilder::buildValueRefTail(const ParseTree& tree)
   if (firstName(tree) != ValueRef::idTailCtor().view()) {
     return ValueRefTail(ParenSubs(buildSubscripts(positional), computeRange(tree)));
   }
-  if (positional.count() != 1) raiseAt<Msg>(tree.location());
-  const Variable name = variableArgument<Msg>(*this, tree, positional.child(0));
-  if (!name.isID()) raiseAt<Msg>(tree.location());
+  if (positional.count() != 1) raiseAt<Msg>(placeOf(tree));
+  const Variable name = variableArgument<Msg>(*this, tree, childOf(positional, 0));
+  if (!name.isID()) raiseAt<Msg>(placeOf(tree));
   return ValueRefTail(name.id());
 }
 
 ObjectRef ASTBuilder::buildObjectRef(const ParseTree& tree) const {
   using Msg = InvalidObjectRefSyntax;
   const ParseTree& positional = reservedArguments<Msg>(tree, 1, 1);
-  const nvf::Expressions<IdValueIndices> path = constantPath<Msg>(*this, tree, positional.child(0));
+  const nvf::Expressions<IdValueIndices> path = constantPath<Msg>(*this, tree, childOf(positional, 0));
   return {nvf::Expressions1<IdValueIndices>(path), std::nullopt, computeRange(tree)};
 }
 

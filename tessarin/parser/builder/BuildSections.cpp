@@ -16,14 +16,14 @@ using K = NonTerminal;
 // ---- branches ----
 
 BranchBlock ASTBuilder::buildBranchBlock(const ParseTree& tree) const {
-  return BranchBlock(mapChildren(tree.child(1), [this](const ParseTree& item) { return buildThrough(item); }),
-                     tree.child(0).token().location());
+  return BranchBlock(mapChildren(childOf(tree, 1), [this](const ParseTree& item) { return buildThrough(item); }),
+                     childOf(tree, 0).token().location());
 }
 
 Through ASTBuilder::buildThrough(const ParseTree& tree) const {
-  const ThroughLeaf from = buildThroughLeaf(tree.child(2));
-  const ThroughLeaf to = buildThroughLeaf(tree.child(4));
-  const Variable variable = buildVariable(tree.child(0));
+  const ThroughLeaf from = buildThroughLeaf(childOf(tree, 2));
+  const ThroughLeaf to = buildThroughLeaf(childOf(tree, 4));
+  const Variable variable = buildVariable(childOf(tree, 0));
   if (!variable.leadingPath().empty()) raiseAt<NoDotRefBranchVar>(variable.location());
   std::optional<ParenSubs> subs;
   if (const std::optional<Arguments>& tail = variable.tail()) {
@@ -36,15 +36,15 @@ Through ASTBuilder::buildThrough(const ParseTree& tree) const {
 
 ThroughLeaf ASTBuilder::buildThroughLeaf(const ParseTree& tree) const {
   if (tree.type() == 0) return buildImplicitReference(tree);
-  if (tree.child(0).token().text() == ValueRef::ctor().text()) return buildValueRef(tree);
+  if (childOf(tree, 0).token().text() == ValueRef::ctor().text()) return buildValueRef(tree);
   return buildVariable(tree);
 }
 
 // ---- connections ----
 
 ConnectionBlock ASTBuilder::buildConnectionBlock(const ParseTree& tree) const {
-  return ConnectionBlock(mapChildren(tree.child(1), [this](const ParseTree& item) { return buildConnection(item); }),
-                         tree.child(0).token().location());
+  return ConnectionBlock(mapChildren(childOf(tree, 1), [this](const ParseTree& item) { return buildConnection(item); }),
+                         childOf(tree, 0).token().location());
 }
 
 Connection ASTBuilder::buildConnection(const ParseTree& tree) const {
@@ -57,32 +57,32 @@ Connection ASTBuilder::buildConnection(const ParseTree& tree) const {
     if (const auto* variable = expr.getIf<Variable>()) return *variable;
     raiseAt<InvalidConnectionArg>(expr_location(expr), to_user_string(expr));
   };
-  const ParseTree& list = tree.child(2);
-  const ParseTree& head = list.child(0);
+  const ParseTree& list = childOf(tree, 2);
+  const ParseTree& head = childOf(list, 0);
   const ConnectionFirstArg first = head.isTerminalType(TokenId::MUL) ? ConnectionFirstArg(buildImplicitReference(head))
                                                                      : ConnectionFirstArg(buildExpr(head));
-  return Connection(first, mapChildren(list, argument, 1), tree.child(0).token().location());
+  return Connection(first, mapChildren(list, argument, 1), childOf(tree, 0).token().location());
 }
 
 // ---- modecharts ----
 
 ModechartBlock ASTBuilder::buildModechartBlock(const ParseTree& tree) const {
-  const nvf::Expressions<IdentValuePair> attributes = buildIdentValuePairs(tree.child(1));
-  return ModechartBlock(attributes,
-                        mapChildren(tree.child(2), [this](const ParseTree& t) { return buildModechartDeclaration(t); }),
-                        tree.child(0).token().location());
+  const nvf::Expressions<IdentValuePair> attributes = buildIdentValuePairs(childOf(tree, 1));
+  return ModechartBlock(
+      attributes, mapChildren(childOf(tree, 2), [this](const ParseTree& t) { return buildModechartDeclaration(t); }),
+      childOf(tree, 0).token().location());
 }
 
 ModechartDeclaration ASTBuilder::buildModechartDeclaration(const ParseTree& tree) const {
-  const Modechart modechart = buildModechart(tree.child(2));
-  return ModechartDeclaration(buildIdent(tree.child(0)), modechart);
+  const Modechart modechart = buildModechart(childOf(tree, 2));
+  return ModechartDeclaration(buildIdent(childOf(tree, 0)), modechart);
 }
 
 Modechart ASTBuilder::buildModechart(const ParseTree& tree) const {
   std::vector<ModesSection> modes;
   std::vector<TransitionsSection> transitions;
   std::vector<InitialSection> initials;
-  for (const ParseTree& section : childrenOf(tree.child(1))) {
+  for (const ParseTree& section : childrenOf(childOf(tree, 1))) {
     switch (section.code()) {
     case K::ModesSection: modes.push_back(buildModesSection(section)); break;
     case K::TransitionsSection: transitions.push_back(buildTransitionsSection(section)); break;
@@ -97,16 +97,16 @@ Modechart ASTBuilder::buildModechart(const ParseTree& tree) const {
 }
 
 ModesSection ASTBuilder::buildModesSection(const ParseTree& tree) const {
-  return ModesSection(mapChildren(tree.child(1), [this](const ParseTree& item) { return buildMode(item); }));
+  return ModesSection(mapChildren(childOf(tree, 1), [this](const ParseTree& item) { return buildMode(item); }));
 }
 
 Mode ASTBuilder::buildMode(const ParseTree& tree) const {
-  const bool isSingle = tree.child(1).isTerminalType(TokenId::ID);
+  const bool isSingle = childOf(tree, 1).isTerminalType(TokenId::ID);
   const nvf::Expressions<Ident> ids =
-      isSingle ? nvf::Expressions<Ident>{buildIdent(tree.child(1))} : buildIdentList1(tree.child(2));
+      isSingle ? nvf::Expressions<Ident>{buildIdent(childOf(tree, 1))} : buildIdentList1(childOf(tree, 2));
   std::vector<EquationBlock> equations;
   std::vector<EntryBlock> entries;
-  for (const ParseTree& item : childrenOf(tree.child(isSingle ? 2 : 4))) {
+  for (const ParseTree& item : childrenOf(childOf(tree, isSingle ? 2 : 4))) {
     if (item.isNonTerminalType(K::EquationsBlock)) {
       equations.push_back(buildEquationBlock(item));
     } else {
@@ -118,21 +118,22 @@ Mode ASTBuilder::buildMode(const ParseTree& tree) const {
 
 TransitionsSection ASTBuilder::buildTransitionsSection(const ParseTree& tree) const {
   return TransitionsSection(
-      mapChildren(tree.child(1), [this](const ParseTree& item) { return buildTransition(item); }));
+      mapChildren(childOf(tree, 1), [this](const ParseTree& item) { return buildTransition(item); }));
 }
 
 Transition ASTBuilder::buildTransition(const ParseTree& tree) const {
-  const Expr predicate = buildExpr(tree.child(1));
-  return Transition(buildIdentList1(tree.child(0)), predicate);
+  const Expr predicate = buildExpr(childOf(tree, 1));
+  return Transition(buildIdentList1(childOf(tree, 0)), predicate);
 }
 
 InitialSection ASTBuilder::buildInitialSection(const ParseTree& tree) const {
-  return InitialSection(mapChildren(tree.child(1), [this](const ParseTree& item) { return buildInitialMode(item); }));
+  return InitialSection(
+      mapChildren(childOf(tree, 1), [this](const ParseTree& item) { return buildInitialMode(item); }));
 }
 
 InitialMode ASTBuilder::buildInitialMode(const ParseTree& tree) const {
-  const Expr predicate = buildExpr(tree.child(2));
-  return InitialMode(buildIdent(tree.child(0)), predicate);
+  const Expr predicate = buildExpr(childOf(tree, 2));
+  return InitialMode(buildIdent(childOf(tree, 0)), predicate);
 }
 
 } // namespace tessarin::compiler::core

@@ -124,4 +124,8 @@ std::vector<ustring> reserved_words() {
   return words;
 }
 
+ustring_view keyword::name(Kind kind) noexcept {
+  return is_reserved_word(kind) ? kind_image(kind) : ustring_view();
+}
+
 } // namespace tessarin::compiler::core

@@ -56,6 +56,10 @@ TESSARIN_EXPORT bool is_statement_end(Kind kind) noexcept;
 TESSARIN_EXPORT bool is_bracket_skip(Kind kind) noexcept;
 
 TESSARIN_EXPORT bool is_reserved_word(Kind kind) noexcept;
+namespace keyword {
+/// The text of a reserved word for messages, such as "elseif"; empty for any other kind.
+TESSARIN_EXPORT ustring_view name(Kind kind) noexcept;
+} // namespace keyword
 /// The kind whose reserved text is exactly `text`, `length` code units long, case counting, or `noKind`. "function"
 /// gives `FUNCTION`.
 TESSARIN_EXPORT Kind reserved_word(const char16_t* text, std::size_t length) noexcept;

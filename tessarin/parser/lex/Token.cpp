@@ -28,7 +28,7 @@ Token::Token(TokenId::Value code, const nvf::Location& location, const char16_t*
 }
 
 void Token::text(const char16_t* chars, std::size_t length) {
-  if (code_ == TokenId::ID && length > maxNameLength) {
+  if (code_ == TokenId::ID && chars != nullptr && length > maxNameLength) {
     warnOfLongName(location_, {chars, length});
     length = maxNameLength;
   }

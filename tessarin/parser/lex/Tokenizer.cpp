@@ -1,8 +1,7 @@
 #include "tessarin/parser/lex/Tokenizer.hpp"
 
+#include "tessarin/foundation/identifier.hpp"
 #include "tessarin/parser/lex/TokenizerImpl.hpp"
-
-#include <algorithm>
 
 namespace tessarin::compiler::core {
 
@@ -13,7 +12,7 @@ std::unique_ptr<Tokenizer> Tokenizer::create() {
 }
 
 bool Tokenizer::isCxId(const char16_t* text, std::size_t length) noexcept {
-  return length != 0 && isLetter(text[0]) && std::all_of(text + 1, text + length, isNamePart);
+  return nvf::is_identifier({text, length});
 }
 
 bool Tokenizer::isReservedWord(const char16_t* text, std::size_t length) noexcept {
