@@ -11,6 +11,8 @@
 
 #include "FuzzText.hpp"
 
+#include <boost/lexical_cast/bad_lexical_cast.hpp>
+
 #include <cstdlib>
 #include <optional>
 #include <sstream>
@@ -49,6 +51,8 @@ std::optional<nvf::ustring> printed(nvf::ustring_view text) {
     return std::visit([](const auto& alternative) { return alternative.string(0, 2); }, file);
   } catch (const nvf::Exception&) {
     return std::nullopt;
+  } catch (const boost::bad_lexical_cast&) {
+    return std::nullopt; // a reserved form that wants an index, with another number
   }
 }
 

@@ -27,8 +27,8 @@ EqnItem itemOf(const std::string& text, const ASTBuilder& builder) {
   return file.model().declarativeSections().equationBlocks().at(0).eqnItem(0);
 }
 
-/// The number of the kind, the printed form, and the columns of the first and behind the last unit, from 0; or the
-/// fault. An assertion has no kind.
+/// The number of the kind, the printed form, and the columns of the first token's begin and the last one's end, from 0,
+/// where a token without a text ends where it begins; or the fault. An assertion has no kind.
 std::string builtItem(const std::string& text, const ASTBuilder& builder = withValues()) {
   return resultOf(
       [&] {
