@@ -282,10 +282,10 @@ RelativePathVariable ASTBuilder::buildRelativePathVariable(const ParseTree& tree
   using Msg = InvalidRelativePathVariableSyntax;
   const ParseTree& positional = reservedArguments<Msg>(tree, 2, anyNumber);
   const std::vector<Subscript> subs = buildSubscripts(positional);
-  const auto depth = subs[0].expr() == nullptr ? std::nullopt : to_whole_number(*subs[0].expr());
+  const std::size_t depth = subs[0].expr() == nullptr ? 0 : to_whole_number(*subs[0].expr()).value_or(0);
   const Variable* name = subs[1].expr() == nullptr ? nullptr : subs[1].expr()->getIf<Variable>();
-  if (!depth || *depth == 0 || name == nullptr || !name->isID()) raiseAt<Msg>(placeOf(tree));
-  return {nvf::Positive<std::size_t>(*depth), name->id().id(), furtherSubs(subs, 2, computeRange(positional)),
+  if (depth == 0 || name == nullptr || !name->isID()) raiseAt<Msg>(placeOf(tree));
+  return {nvf::Positive<std::size_t>(depth), name->id().id(), furtherSubs(subs, 2, computeRange(positional)),
           computeRange(tree)};
 }
 
