@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 
 namespace tessarin::compiler::core {
 
@@ -58,6 +59,17 @@ constexpr auto operators = std::to_array<OperatorInfo>({
 #include "tessarin/parser/ast/operators.def"
 });
 
+constexpr auto lastCode = std::max_element(operators.begin(), operators.end(),
+                                           [](const auto& a, const auto& b) { return a.code < b.code; }) -> code;
+
+/// The operator of each kind of node up to the last one that is one's, or -1.
+constexpr auto typesByCode = [] {
+  std::array<std::int8_t, std::size_t{lastCode} + 1> types{};
+  for (std::int8_t& type : types) type = -1;
+  for (std::size_t i = 0; i < operators.size(); ++i) types[operators[i].code] = static_cast<std::int8_t>(i);
+  return types;
+}();
+
 const OperatorInfo& info(OpExprType type) {
   const auto number = static_cast<std::size_t>(type);
   if (number >= operators.size()) {
@@ -95,9 +107,8 @@ ustring OpExpr::typeString(OpExprType type) {
 }
 
 OpExprType OpExpr::operatorType(NonTerminal::Value code) {
-  const auto* found =
-      std::find_if(operators.begin(), operators.end(), [code](const OperatorInfo& op) { return op.code == code; });
-  return static_cast<OpExprType>(found == operators.end() ? -1 : found - operators.begin());
+  const auto number = static_cast<std::size_t>(code);
+  return static_cast<OpExprType>(number < typesByCode.size() ? typesByCode[number] : -1);
 }
 
 // ---- kinds without syntax ----

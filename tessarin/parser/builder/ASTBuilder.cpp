@@ -18,19 +18,11 @@ ASTBuilder::~ASTBuilder() = default;
 // ---- places and texts ----
 
 nvf::Range ASTBuilder::computeRange(const ParseTree& tree) const {
-  const Token* first = tree.left();
-  return first == nullptr ? nvf::Range() : first->range() + tree.right()->range();
+  return rangeOf(tree);
 }
 
 StringLiteral ASTBuilder::toCvLiteral(const Token& token) const {
-  const nvf::ustring_view quoted = token.text().view();
-  const char16_t quote = token.code() == TokenId::STRING ? u'\'' : u'"';
-  nvf::ustring content;
-  for (std::size_t i = 1; i + 1 < quoted.size(); ++i) {
-    content += quoted[i];
-    if (quoted[i] == quote && i + 2 < quoted.size() && quoted[i + 1] == quote) ++i;
-  }
-  return {content, token.range()};
+  return {contentOf(token), token.range()};
 }
 
 // ---- names and pairs ----

@@ -3,12 +3,9 @@
 
 #include "tessarin/foundation/message.hpp"
 #include "tessarin/foundation/terminate.hpp"
-#include "tessarin/parser/parse/ParseTree.hpp"
+#include "tessarin/parser/ast/FromTree.hpp"
 
 #include <cstddef>
-#include <span>
-#include <type_traits>
-#include <vector>
 
 namespace tessarin::compiler::core {
 
@@ -38,22 +35,6 @@ inline const ParseTree& childOf(const ParseTree& tree, std::size_t i) {
           "const tessarin::compiler::core::ParseTree& childOf(const "
           "tessarin::compiler::core::ParseTree&, size_t)");
   return tree.child(i);
-}
-
-/// The children of a non-terminal from the one at `first` on. Any other tree is a fatal diagnostic.
-inline std::span<const ParseTree> childrenOf(const ParseTree& tree, std::size_t first = 0) {
-  const std::size_t count = tree.count();
-  return first >= count ? std::span<const ParseTree>() : std::span(&tree.child(first), count - first);
-}
-
-/// What `build` makes of each child from the one at `first` on.
-template <class Build>
-auto mapChildren(const ParseTree& tree, Build build, std::size_t first = 0) {
-  std::vector<std::invoke_result_t<Build&, const ParseTree&>> result;
-  const std::span<const ParseTree> children = childrenOf(tree, first);
-  result.reserve(children.size());
-  for (const ParseTree& child : children) result.push_back(build(child));
-  return result;
 }
 
 } // namespace tessarin::compiler::core

@@ -36,12 +36,12 @@ IfExpr ASTBuilder::buildIfExpr(const ParseTree& tree) const {
     return ElseifBranch(buildExpr(childOf(branch, 0)), items);
   });
   const std::vector<EqnItem> elseItems = buildEqnItemList(childOf(childOf(tree, 4), 0));
-  return {condition, ifItems, elseItems, elseifs, computeRange(tree)};
+  return {condition, ifItems, elseItems, elseifs, rangeOf(tree)};
 }
 
 LetExpr ASTBuilder::buildLetExpr(const ParseTree& tree) const {
   const std::vector<IdListValuePair> declarations = buildEqDeclarationList(childOf(tree, 1));
-  return {declarations, buildEqnItemList(childOf(tree, 2)), computeRange(tree)};
+  return {declarations, buildEqnItemList(childOf(tree, 2)), rangeOf(tree)};
 }
 
 WhenClause ASTBuilder::buildWhenClause(const ParseTree& tree) const {
@@ -165,7 +165,7 @@ EqnAssertion ASTBuilder::buildEqnAssertion(const ParseTree& tree) const {
   if (named.size() > 1) raiseAt<InvalidNumberOfNamedArgsForAssert>(keyword);
   std::optional<Expr> actionExpr;
   if (!named.empty()) actionExpr = action(named.front());
-  return {*positional[0].expr(), text, actionExpr, computeRange(tree)};
+  return {*positional[0].expr(), text, actionExpr, rangeOf(tree)};
 }
 
 } // namespace tessarin::compiler::core

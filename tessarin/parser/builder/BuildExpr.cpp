@@ -19,43 +19,11 @@ constexpr const char* buildExprSignature =
     "tessarin::compiler::core::Expr tessarin::compiler::core::ASTBuilder::buildExpr(const "
     "tessarin::compiler::core::ParseTree&) const";
 
-/// The content of a string token as a unit. Quotes in it are not doubled: a unit text is never escaped, intended.
-UnitLiteral unitLiteral(const Token& token) {
-  const nvf::ustring_view quoted = token.text().view();
-  const nvf::ustring content(quoted.size() < 2 ? nvf::ustring_view() : quoted.substr(1, quoted.size() - 2));
+UnitLiteral buildUnitLiteral(const Token& token) {
   try {
-    return {nvf::detail::CheckExprString()(nvf::detail::AsciiStringCheck()(content)), token.range()};
+    return unitOf(token);
   } catch (const std::exception&) { // the text is not ASCII, or no unit
-    raiseAt<InvalidUnitLiteral>(token.location(), content);
-  }
-}
-
-/// Whether the kind is that of an operator between two operands.
-bool isBinary(const ParseTree& tree) {
-  if (tree.type() == 0) return false;
-  switch (tree.code()) {
-  case K::Colon:
-  case K::Add:
-  case K::Sub:
-  case K::Power:
-  case K::DotPower:
-  case K::Mul:
-  case K::DotMul:
-  case K::Div:
-  case K::DotDiv:
-  case K::RDiv:
-  case K::DotRDiv:
-  case K::Lt:
-  case K::Le:
-  case K::Gt:
-  case K::Ge:
-  case K::Eq:
-  case K::Ne:
-  case K::OrOr:
-  case K::Or:
-  case K::And:
-  case K::AndAnd: return true;
-  default: return false;
+    raiseAt<InvalidUnitLiteral>(token.location(), nvf::ustring(withoutQuotes(token)));
   }
 }
 
@@ -70,53 +38,37 @@ Expr buildTerminal(const ASTBuilder& builder, const Token& token) {
   }
 }
 
-/// An operator with operands to both sides. Right operands are built before left ones, so that the fault that stands
-/// last is the one that is reported. Chains to the left take a loop and no recursion.
 Expr buildBinary(const ASTBuilder& builder, const ParseTree& tree) {
-  struct Step {
-    const ParseTree* tree;
-    Expr right;
-  };
-  std::vector<Step> steps;
-  const ParseTree* left = &tree;
-  for (; isBinary(*left); left = &left->child(0)) {
-    steps.push_back({left, builder.buildExpr(childOf(*left, 2))});
-  }
-  Expr result = builder.buildExpr(*left);
-  for (; !steps.empty(); steps.pop_back()) {
-    const Step& step = steps.back();
-    result = OpExpr(OpExpr::operatorType(step.tree->code()), result, step.right, builder.computeRange(*step.tree));
-  }
-  return result;
+  return convertBinary(tree, childOf, [&](const ParseTree& operand) { return builder.buildExpr(operand); });
 }
 
 Expr buildUnary(const ASTBuilder& builder, const ParseTree& tree, OpExprType type, std::size_t operand) {
-  return OpExpr(type, builder.buildExpr(childOf(tree, operand)), builder.computeRange(tree));
+  return OpExpr(type, builder.buildExpr(childOf(tree, operand)), rangeOf(tree));
 }
 
 Expr buildColon3(const ASTBuilder& builder, const ParseTree& tree) {
   const Expr third = builder.buildExpr(childOf(tree, 4));
   const Expr second = builder.buildExpr(childOf(tree, 2));
   const Expr first = builder.buildExpr(childOf(tree, 0));
-  return OpExpr(OpExprType::Colon3, first, second, third, builder.computeRange(tree));
+  return OpExpr(OpExprType::Colon3, first, second, third, rangeOf(tree));
 }
 
 Expr buildValueExpr(const ASTBuilder& builder, const ParseTree& tree) {
   if (tree.count() != 3 && tree.count() != 4) fatal("Unexpected parse tree.", 452, buildExprSignature);
   const Expr value = builder.buildExpr(childOf(tree, 1));
-  const UnitLiteral unit = unitLiteral(childOf(tree, 2).token());
-  const nvf::Range range = builder.computeRange(tree);
+  const UnitLiteral unit = buildUnitLiteral(childOf(tree, 2).token());
+  const nvf::Range range = rangeOf(tree);
   if (tree.count() == 3) return ValueExpr(value, unit, range);
   return ValueExpr(value, unit, builder.toCvLiteral(childOf(tree, 3).token()), range);
 }
 
 Expr buildUnitExpr(const ASTBuilder& builder, const ParseTree& tree) {
   const Expr value = builder.buildExpr(childOf(tree, 0));
-  return UnitExpr(value, unitLiteral(childOf(tree, 1).token()), builder.computeRange(tree));
+  return UnitExpr(value, buildUnitLiteral(childOf(tree, 1).token()), rangeOf(tree));
 }
 
 Expr buildNonTerminal(const ASTBuilder& builder, const ParseTree& tree) {
-  if (isBinary(tree)) return buildBinary(builder, tree);
+  if (operandCount(tree) == 2) return buildBinary(builder, tree);
   switch (tree.code()) {
   case K::Colon3: return buildColon3(builder, tree);
   case K::PlusExponent: return buildUnary(builder, tree, OpExprType::UnaryPlus, 1);
@@ -125,9 +77,9 @@ Expr buildNonTerminal(const ASTBuilder& builder, const ParseTree& tree) {
   case K::UnaryPlus:
   case K::UnaryMinus:
   case K::Not:
-  case K::Der: return buildUnary(builder, tree, OpExpr::operatorType(tree.code()), 1);
+  case K::Der: return buildUnary(builder, tree, operatorOf(tree), 1);
   case K::Transpose:
-  case K::DotTranspose: return buildUnary(builder, tree, OpExpr::operatorType(tree.code()), 0);
+  case K::DotTranspose: return buildUnary(builder, tree, operatorOf(tree), 0);
   case K::ParenExpr: return builder.buildExpr(childOf(tree, 1)); // parentheses leave no trace, not even in the range
   case K::Matrix: return builder.buildMatrixExpr(tree);
   case K::FieldValueArray: return builder.buildFieldValueArrayExpr(tree);
@@ -148,8 +100,7 @@ Expr ASTBuilder::buildExpr(const ParseTree& tree) const {
 }
 
 MatrixExpr ASTBuilder::buildMatrixExpr(const ParseTree& tree) const {
-  return {mapChildren(childOf(tree, 1), [this](const ParseTree& row) { return buildMatrixRow(row); }),
-          computeRange(tree)};
+  return {mapChildren(childOf(tree, 1), [this](const ParseTree& row) { return buildMatrixRow(row); }), rangeOf(tree)};
 }
 
 MatrixExpr::Row ASTBuilder::buildMatrixRow(const ParseTree& tree) const {
@@ -157,7 +108,7 @@ MatrixExpr::Row ASTBuilder::buildMatrixRow(const ParseTree& tree) const {
 }
 
 FieldValueArrayExpr ASTBuilder::buildFieldValueArrayExpr(const ParseTree& tree) const {
-  return {buildIdentValuePairs(childOf(tree, 0)), computeRange(tree)};
+  return {buildIdentValuePairs(childOf(tree, 0)), rangeOf(tree)};
 }
 
 } // namespace tessarin::compiler::core

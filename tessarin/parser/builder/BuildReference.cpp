@@ -75,10 +75,10 @@ struct ArgumentList {
   nvf::Range range;
 };
 
-ArgumentList argumentListAt(const ASTBuilder& builder, const ParseTree& tree, std::size_t position) {
+ArgumentList argumentListAt(const ParseTree& tree, std::size_t position) {
   const ParseTree& arguments = childOf(tree, position + 1);
   if (!arguments.isNonTerminalType(K::EqnArgs)) fatal(notRecognized, 575, buildVariableSignature);
-  return {arguments, builder.computeRange(childOf(tree, position)) + builder.computeRange(childOf(tree, position + 2))};
+  return {arguments, rangeOf(childOf(tree, position)) + rangeOf(childOf(tree, position + 2))};
 }
 
 // ---- pieces of the reserved forms ----
@@ -221,12 +221,12 @@ Variable ASTBuilder::buildVariable(const ParseTree& tree) const {
   positions.pop_back();
   std::optional<Arguments> arguments;
   if (last + 1 < tree.count()) {
-    const ArgumentList list = argumentListAt(*this, tree, last + 1);
+    const ArgumentList list = argumentListAt(tree, last + 1);
     const std::vector<Subscript> positional = buildSubscripts(positionalList(list.arguments));
     arguments = Arguments(positional, buildEqnNamedArgs(namedList(list.arguments), true), list.range);
   }
   const nvf::Expressions<IdParenSubs> path = buildIdSubsPath(tree, positions);
-  return {buildIdent(childOf(tree, last)), path, arguments, computeRange(tree)};
+  return {buildIdent(childOf(tree, last)), path, arguments, rangeOf(tree)};
 }
 
 nvf::Expressions<IdParenSubs> ASTBuilder::buildIdSubsPath(const ParseTree& tree,
@@ -239,7 +239,7 @@ nvf::Expressions<IdParenSubs> ASTBuilder::buildIdSubsPath(const ParseTree& tree,
       steps.emplace_back(name, std::nullopt);
       continue;
     }
-    const ArgumentList list = argumentListAt(*this, tree, position + 1);
+    const ArgumentList list = argumentListAt(tree, position + 1);
     const ParseTree& named = namedList(list.arguments);
     if (named.count() != 0) raiseAt<UnexpectedNamedArg>(placeOf(named));
     steps.emplace_back(name, ParenSubs(buildSubscripts(positionalList(list.arguments)), list.range));
@@ -274,8 +274,8 @@ FullPathVariable ASTBuilder::buildFullPathVariable(const ParseTree& tree) const 
   const ParseTree& positional = reservedArguments<Msg>(tree, 1, anyNumber);
   const std::vector<Subscript> subs = buildSubscripts(positional);
   if (subs.front().expr() == nullptr) raiseAt<Msg>(placeOf(tree));
-  return {to_unique_paths(*subs.front().expr()), furtherSubs(subs, 1, computeRange(positional)), std::nullopt,
-          computeRange(tree)};
+  return {to_unique_paths(*subs.front().expr()), furtherSubs(subs, 1, rangeOf(positional)), std::nullopt,
+          rangeOf(tree)};
 }
 
 RelativePathVariable ASTBuilder::buildRelativePathVariable(const ParseTree& tree) const {
@@ -285,8 +285,7 @@ RelativePathVariable ASTBuilder::buildRelativePathVariable(const ParseTree& tree
   const std::size_t depth = subs[0].expr() == nullptr ? 0 : to_whole_number(*subs[0].expr()).value_or(0);
   const Variable* name = subs[1].expr() == nullptr ? nullptr : subs[1].expr()->getIf<Variable>();
   if (depth == 0 || name == nullptr || !name->isID()) raiseAt<Msg>(placeOf(tree));
-  return {nvf::Positive<std::size_t>(depth), name->id().id(), furtherSubs(subs, 2, computeRange(positional)),
-          computeRange(tree)};
+  return {nvf::Positive<std::size_t>(depth), name->id().id(), furtherSubs(subs, 2, rangeOf(positional)), rangeOf(tree)};
 }
 
 // ---- values and wrappers ----
@@ -294,7 +293,7 @@ RelativePathVariable ASTBuilder::buildRelativePathVariable(const ParseTree& tree
 Expr ASTBuilder::buildConcreteValueExpr(const ParseTree& tree) const {
   if (toValue_ != nullptr) {
     if (const auto tokens = valueTokens(tree)) {
-      if (const auto value = (*toValue_)(*tokens)) return ConcreteValueExpr(*value, computeRange(tree));
+      if (const auto value = (*toValue_)(*tokens)) return ConcreteValueExpr(*value, rangeOf(tree));
     }
   }
   return buildVariable(tree);
@@ -311,7 +310,7 @@ Expr ASTBuilder::buildMRVIndex(const ParseTree& tree) const {
   };
   const Expr expr = buildExpr(childOf(positional, 0));
   const std::size_t rvIndex = index(1);
-  return MRVIndex(expr, rvIndex, index(2), computeRange(tree));
+  return MRVIndex(expr, rvIndex, index(2), rangeOf(tree));
 }
 
 Expr ASTBuilder::buildTransitionExpr(const ParseTree& tree) const {
@@ -347,7 +346,7 @@ CalvexFunctionCall ASTBuilder::buildCalvexFunctionCall(const ParseTree& tree) co
   const bool isEnum = flag(1);
   const bool dottedEnum = flag(2);
   const bool evalCompileTime = flag(3);
-  const nvf::Range range = computeRange(tree);
+  const nvf::Range range = rangeOf(tree);
   if (!callee.arguments) return {callee.path, isEnum, dottedEnum, evalCompileTime, range};
   return {callee.path, *callee.arguments, isEnum, dottedEnum, evalCompileTime, range};
 }
@@ -355,7 +354,7 @@ CalvexFunctionCall ASTBuilder::buildCalvexFunctionCall(const ParseTree& tree) co
 TessarinFunctionCall ASTBuilder::buildTessarinFunctionCall(const ParseTree& tree) const {
   const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 1, 1);
   const Callee callee = calleeOf(*this, tree, childOf(positional, 0));
-  const nvf::Range range = computeRange(tree);
+  const nvf::Range range = rangeOf(tree);
   if (!callee.arguments) return {callee.path, range};
   return {callee.path, *callee.arguments, range};
 }
@@ -365,7 +364,7 @@ TessarinLocalFunctionCall ASTBuilder::buildTessarinLocalFunctionCall(const Parse
   const Callee file = calleeOf(*this, tree, childOf(positional, 0));
   const Variable function = variableArgument<InvalidFunctionCallSyntax>(*this, tree, childOf(positional, 1));
   if (file.arguments || !function.leadingPath().empty()) raiseAt<InvalidFunctionCallSyntax>(placeOf(tree));
-  const nvf::Range range = computeRange(tree);
+  const nvf::Range range = rangeOf(tree);
   if (!function.tail()) return {file.path, function.id().id(), range};
   return {file.path, function.id().id(), positionalOf(tree, *function.tail()), range};
 }
@@ -381,7 +380,7 @@ ValueRef ASTBuilder::buildValueRef(const ParseTree& tree) const {
   std::optional<ValueRefTail> tail;
   if (positional.count() == 2) tail = buildValueRefTail(childOf(positional, 1));
   return {last.ident(), nvf::Expressions<IdValueIndices>(path.begin(), path.end() - 1), tail, std::nullopt,
-          computeRange(tree)};
+          rangeOf(tree)};
 }
 
 std::optional<ValueRefTail> ASTBuilder::buildValueRefTail(const ParseTree& tree) const {
@@ -389,7 +388,7 @@ std::optional<ValueRefTail> ASTBuilder::buildValueRefTail(const ParseTree& tree)
   const ParseTree& positional = reservedArguments<Msg>(tree, 0, anyNumber);
   // Any name but this one stands for subscripts: intended.
   if (firstName(tree) != ValueRef::idTailCtor().view()) {
-    return ValueRefTail(ParenSubs(buildSubscripts(positional), computeRange(tree)));
+    return ValueRefTail(ParenSubs(buildSubscripts(positional), rangeOf(tree)));
   }
   if (positional.count() != 1) raiseAt<Msg>(placeOf(tree));
   const Variable name = variableArgument<Msg>(*this, tree, childOf(positional, 0));
@@ -401,7 +400,7 @@ ObjectRef ASTBuilder::buildObjectRef(const ParseTree& tree) const {
   using Msg = InvalidObjectRefSyntax;
   const ParseTree& positional = reservedArguments<Msg>(tree, 1, 1);
   const nvf::Expressions<IdValueIndices> path = constantPath<Msg>(*this, tree, childOf(positional, 0));
-  return {nvf::Expressions1<IdValueIndices>(path), std::nullopt, computeRange(tree)};
+  return {nvf::Expressions1<IdValueIndices>(path), std::nullopt, rangeOf(tree)};
 }
 
 } // namespace tessarin::compiler::core

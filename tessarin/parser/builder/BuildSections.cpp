@@ -93,7 +93,7 @@ Modechart ASTBuilder::buildModechart(const ParseTree& tree) const {
             "buildModechart(const tessarin::compiler::core::ParseTree&) const");
     }
   }
-  return Modechart(std::move(modes), std::move(transitions), std::move(initials), computeRange(tree));
+  return Modechart(std::move(modes), std::move(transitions), std::move(initials), rangeOf(tree));
 }
 
 ModesSection ASTBuilder::buildModesSection(const ParseTree& tree) const {
@@ -113,7 +113,7 @@ Mode ASTBuilder::buildMode(const ParseTree& tree) const {
       entries.emplace_back(buildIdentValuePairs(item), nvf::Range()); // the tree has no place for it
     }
   }
-  return Mode(ids, std::move(equations), std::move(entries), computeRange(tree));
+  return Mode(ids, std::move(equations), std::move(entries), rangeOf(tree));
 }
 
 TransitionsSection ASTBuilder::buildTransitionsSection(const ParseTree& tree) const {

@@ -2,7 +2,7 @@
 
 #include "tessarin/foundation/messages.hpp"
 #include "tessarin/foundation/stack.hpp"
-#include "tessarin/parser/setup/SetupCommon.hpp"
+#include "tessarin/parser/ast/FromTree.hpp"
 
 #include <utility>
 

@@ -1,11 +1,11 @@
 // The expressions of a setup function by the kind of their node.
 #include "tessarin/foundation/stack.hpp"
 #include "tessarin/parser/ast/Conversions.hpp"
-#include "tessarin/parser/setup/SetupCommon.hpp"
+#include "tessarin/parser/ast/FromTree.hpp"
 #include "tessarin/parser/setup/SetupConversion.hpp"
 
 #include <algorithm>
-#include <cstddef>
+#include <functional>
 #include <utility>
 
 namespace tessarin::compiler::core {
@@ -35,12 +35,9 @@ const Token& stringToken(const ParseTree& tree) {
   return tree.token();
 }
 
-/// Quotes in it are not reduced: the text of a unit is never escaped, intended.
 UnitLiteral convertUnit(const ParseTree& tree) {
-  const Token& token = stringToken(tree);
   try {
-    return {nvf::detail::CheckExprString()(nvf::detail::AsciiStringCheck()(ustring(withoutQuotes(token)))),
-            token.range()};
+    return unitOf(stringToken(tree));
   } catch (const nvf::NotAscii&) {
     throw Unrecognized();
   } catch (const nvf::InvalidUnitExpression&) {
@@ -108,22 +105,6 @@ Expr convertValue(const ParseTree& subsref) {
 
 // ---- compounds ----
 
-/// The number of operands of each operator, in the order of `OpExprType`.
-constexpr std::size_t arities[] = {
-#define TESSARIN_OPERATOR(name, image, arity, precedence) arity,
-#include "tessarin/parser/ast/operators.def"
-};
-
-OpExprType operatorOf(const ParseTree& tree) {
-  return OpExpr::operatorType(tree.code());
-}
-
-/// The number of operands where the kind is that of an operator; otherwise 0.
-std::size_t operandCount(const ParseTree& tree) {
-  const int type = tree.type() == 0 ? -1 : static_cast<int>(operatorOf(tree));
-  return type < 0 ? 0 : arities[type];
-}
-
 Expr convertUnary(const ParseTree& tree) {
   switch (tree.code()) {
   case K::Transpose:
@@ -131,23 +112,6 @@ Expr convertUnary(const ParseTree& tree) {
   case K::Der: throw Unrecognized(); // an operator of equations only
   default: return OpExpr(operatorOf(tree), convert(tree.child(1)), rangeOf(tree));
   }
-}
-
-/// Right operands come before left ones. Chains to the left take a loop and no recursion.
-Expr convertBinary(const ParseTree& tree) {
-  struct Step {
-    const ParseTree* tree;
-    Expr right;
-  };
-  std::vector<Step> steps;
-  const ParseTree* left = &tree;
-  for (; operandCount(*left) == 2; left = &left->child(0)) steps.push_back({left, convert(left->child(2))});
-  Expr result = convert(*left);
-  for (; !steps.empty(); steps.pop_back()) {
-    const Step& step = steps.back();
-    result = OpExpr(operatorOf(*step.tree), result, step.right, rangeOf(*step.tree));
-  }
-  return result;
 }
 
 Expr convertColon3(const ParseTree& tree) {
@@ -177,7 +141,7 @@ Expr convertFieldValueArray(const ParseTree& tree) {
 Expr convertNonTerminal(const ParseTree& tree) {
   switch (operandCount(tree)) {
   case 1: return convertUnary(tree);
-  case 2: return convertBinary(tree);
+  case 2: return convertBinary(tree, std::mem_fn(&ParseTree::child), convert);
   case 3: return convertColon3(tree);
   default: break;
   }
