@@ -82,6 +82,7 @@ private:
 
   // Blocks.
   void walk(const DeclarationBlock& block) {
+    visitor_.declarations(block);
     walkAll(block.attributes());
     for (const DeclarationItem& item : block.declarations()) walkAlternative(item);
   }
@@ -126,7 +127,10 @@ private:
   }
   void walk(const ModechartBlock& block) {
     walkAll(block.attributes());
-    for (const ModechartDeclaration& declaration : block.declarations()) walk(declaration.modechart());
+    for (const ModechartDeclaration& declaration : block.declarations()) {
+      visitor_.modechart(declaration);
+      walk(declaration.modechart());
+    }
   }
   void walk(const Modechart& chart) {
     for (const ModesSection& section : chart.modesSections()) walkAll(section.modes());

@@ -1,4 +1,4 @@
-// The expressions and equations of a whole file, in one fixed order.
+// What a whole file holds, in one fixed order.
 #pragma once
 
 #include "tessarin/parser/builder/ASTBuilder.hpp"
@@ -26,6 +26,10 @@ public:
   virtual void expression(const compiler::core::Expr&) {}
   /// An item of an equations block, before its expressions.
   virtual void equation(const compiler::core::EqnItem&) {}
+  /// A block of declarations, before its expressions.
+  virtual void declarations(const compiler::core::DeclarationBlock&) {}
+  /// A modechart with its name, before its expressions.
+  virtual void modechart(const compiler::core::ModechartDeclaration&) {}
 };
 
 /// Shows a file to the visitor. First comes the model: its attributes, the arguments of its base class, each with its

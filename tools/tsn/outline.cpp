@@ -1,6 +1,5 @@
 // tsn outline: what a file declares.
 
-#include "tessarin/foundation/stack.hpp"
 #include "tessarin/packages/ModelFile.hpp"
 #include "tessarin/packages/TSNFunctionFile.hpp"
 
@@ -27,6 +26,9 @@ struct Entry {
   nvf::Location place;
 };
 
+/// The members by the keyword of their blocks.
+using Members = std::vector<std::pair<nvf::ustring, std::vector<Entry>>>;
+
 struct FunctionEntry {
   Entry function;
   std::vector<nvf::ustring> inputs;
@@ -38,8 +40,8 @@ struct Outline {
   std::string type;           // "component", "domain" or "function"
   Entry main;
   std::optional<Entry> base;
-  /// By keyword of the block, in the order of the kinds of members; those in conditional sections and loops included.
-  std::vector<std::pair<nvf::ustring, std::vector<Entry>>> members;
+  /// In the order of the kinds of members; those in conditional sections and loops included.
+  Members members;
   std::vector<FunctionEntry> functions; // the local ones, or first the function of the file
 };
 
@@ -48,35 +50,9 @@ Entry entryOf(const core::Ident& ident) {
 }
 
 /// Gathers the members of a model by kind.
-class MemberCollector {
+class MemberCollector : public FileVisitor {
 public:
-  void collect(const core::DeclarativeSections& sections) { collect(sections.semanticSections()); }
-
-  [[nodiscard]] std::vector<std::pair<nvf::ustring, std::vector<Entry>>> take() {
-    std::vector<std::pair<nvf::ustring, std::vector<Entry>>> result;
-    for (auto& [type, entries] : members_) {
-      result.emplace_back(core::DeclarationBlock::typeString(type), std::move(entries));
-    }
-    if (!modecharts_.empty()) result.emplace_back(u"modecharts", std::move(modecharts_));
-    return result;
-  }
-
-private:
-  void collect(const core::SemanticSections& sections) {
-    nvf::with_stack([&] {
-      for (const core::DeclarationBlock& block : sections.declarationBlocks()) collect(block);
-      for (const core::ModechartBlock& block : sections.modechartBlocks()) {
-        for (const core::ModechartDeclaration& chart : block.declarations()) modecharts_.push_back(entryOf(chart.id()));
-      }
-      for (const core::ConditionalSection& conditional : sections.conditionalSections()) {
-        collect(conditional.ifSection().declarations());
-        for (const core::ElseifSection& section : conditional.elseifSections()) collect(section.declarations());
-        if (const auto section = conditional.elseSection()) collect(section->declarations());
-      }
-      for (const core::ForLoop& loop : sections.forLoops()) collect(loop.body());
-    });
-  }
-  void collect(const core::DeclarationBlock& block) {
+  void declarations(const core::DeclarationBlock& block) override {
     std::vector<Entry>& entries = members_[block.type()];
     for (const core::DeclarationItem& item : block.declarations()) {
       if (const auto* ident = item.getIf<core::Ident>()) {
@@ -90,7 +66,18 @@ private:
       }
     }
   }
+  void modechart(const core::ModechartDeclaration& chart) override { modecharts_.push_back(entryOf(chart.id())); }
 
+  [[nodiscard]] Members take() {
+    Members result;
+    for (auto& [type, entries] : members_) {
+      result.emplace_back(core::DeclarationBlock::typeString(type), std::move(entries));
+    }
+    if (!modecharts_.empty()) result.emplace_back(u"modecharts", std::move(modecharts_));
+    return result;
+  }
+
+private:
   std::map<core::MemberType::Value, std::vector<Entry>> members_;
   std::vector<Entry> modecharts_;
 };
@@ -110,9 +97,6 @@ struct MainPart {
     outline.type = model.type() == core::ModelType::DDOMAIN ? "domain" : "component";
     outline.main = entryOf(model.name());
     if (const auto& base = model.baseClassName()) outline.base = Entry{base->name().string(), base->name().location()};
-    MemberCollector members;
-    members.collect(model.declarativeSections());
-    outline.members = members.take();
   }
   void operator()(const core::TSNFunctionFile& file) const {
     outline.type = "function";
@@ -122,20 +106,24 @@ struct MainPart {
 };
 
 Outline outlineOf(const Source& source) {
+  const core::TSNFile file = buildFile(source);
   Outline outline;
+  MemberCollector members;
+  walk(file, members);
+  outline.members = members.take();
   std::visit(
-      [&outline](const auto& file) {
-        for (const core::ImportStmt& import : file.importStmts()) {
+      [&outline](const auto& kind) {
+        for (const core::ImportStmt& import : kind.importStmts()) {
           nvf::ustring name = import.importName().string();
           if (import.isUnqualified()) name += u".*";
           outline.imports.push_back({std::move(name), import.location()});
         }
-        MainPart{outline}(file);
-        for (const core::TSNFunction* function : inOrderOfName(file.localTSNFunctions())) {
+        MainPart{outline}(kind);
+        for (const core::TSNFunction* function : inOrderOfName(kind.localTSNFunctions())) {
           outline.functions.push_back(functionEntry(*function));
         }
       },
-      buildFile(source));
+      file);
   return outline;
 }
 
