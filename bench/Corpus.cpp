@@ -453,10 +453,4 @@ std::vector<CorpusFile> makeMixedCorpus(std::uint32_t seed) {
   return corpus;
 }
 
-std::size_t sizeOf(const std::vector<CorpusFile>& corpus) {
-  std::size_t size = 0;
-  for (const CorpusFile& file : corpus) size += file.text.size();
-  return size;
-}
-
 } // namespace tessarin::bench

@@ -24,7 +24,4 @@ std::vector<CorpusFile> makeCorpus(std::uint32_t seed, std::size_t fileSize, std
 /// Different files of 1 kB to 10 MB, many of the smaller and few of the larger sizes, about 20 MB together.
 std::vector<CorpusFile> makeMixedCorpus(std::uint32_t seed);
 
-/// The code units of all files.
-std::size_t sizeOf(const std::vector<CorpusFile>& corpus);
-
 } // namespace tessarin::bench

@@ -1,123 +1,99 @@
 // Scanner, lexer and interning on generated files. Rates are in UTF-16 code units per second. The pass of bare table
 // lookups over the same text is the yardstick of the machine: read the others as a multiple of it.
-#include "tessarin/foundation/location.hpp"
 #include "tessarin/foundation/table_string.hpp"
 #include "tessarin/parser/lex/Lexer.hpp"
 #include "tessarin/parser/lex/Tokenizer.hpp"
 
-#include "Corpus.hpp"
+#include "SourceFiles.hpp"
 
 #include <benchmark/benchmark.h>
 
 #include <array>
 #include <atomic>
 #include <cstdint>
-#include <map>
 #include <string>
 #include <vector>
 
 namespace {
 
 using namespace tessarin::compiler::core;
-using tessarin::bench::CorpusFile;
-using Corpus = std::vector<CorpusFile>;
-
-/// The corpus of files of the given size; for 0, of all sizes.
-const Corpus& corpusOf(std::size_t fileSize) {
-  static std::map<std::size_t, Corpus> corpora;
-  const auto found = corpora.find(fileSize);
-  if (found != corpora.end()) return found->second;
-  constexpr std::uint32_t seed = 1;
-  constexpr std::size_t totalSize = 4'000'000;
-  return corpora
-      .emplace(fileSize, fileSize == 0 ? tessarin::bench::makeMixedCorpus(seed)
-                                       : tessarin::bench::makeCorpus(seed, fileSize, totalSize))
-      .first->second;
-}
-
-void reportRate(benchmark::State& state, const Corpus& corpus) {
-  const double units = static_cast<double>(tessarin::bench::sizeOf(corpus)) * static_cast<double>(state.iterations());
-  state.counters["units"] = benchmark::Counter(units, benchmark::Counter::kIsRate);
-}
+using tessarin::bench::rate;
+using tessarin::bench::SourceFiles;
+using tessarin::bench::sourceFiles;
 
 void tableLookup(benchmark::State& state) {
-  const Corpus& corpus = corpusOf(static_cast<std::size_t>(state.range(0)));
+  const SourceFiles& corpus = sourceFiles(state.range(0));
   std::array<unsigned char, 128> table{};
   for (std::size_t i = 0; i < table.size(); ++i) table[i] = static_cast<unsigned char>(i * 37 % 38);
   for (auto _ : state) {
     std::size_t sum = 0;
-    for (const CorpusFile& file : corpus) {
-      for (const char16_t unit : file.text) sum += unit < table.size() ? table[unit] : 38U;
+    for (const nvf::SourceBuffer& buffer : corpus.buffers) {
+      for (const char16_t unit : buffer.text()) sum += unit < table.size() ? table[unit] : 38U;
     }
     benchmark::DoNotOptimize(sum);
   }
-  reportRate(state, corpus);
+  state.counters["units"] = rate(state, corpus.units);
 }
 
 void scanner(benchmark::State& state) {
-  const Corpus& corpus = corpusOf(static_cast<std::size_t>(state.range(0)));
+  const SourceFiles& corpus = sourceFiles(state.range(0));
   const auto tokenizer = Tokenizer::create();
   std::size_t tokens = 0;
   for (auto _ : state) {
     tokens = 0;
-    for (const CorpusFile& file : corpus) {
-      tokenizer->setBuffer(file.text.data(), file.text.size(), false);
+    for (const nvf::SourceBuffer& buffer : corpus.buffers) {
+      tokenizer->setBuffer(buffer.text().data(), buffer.text().size(), false);
       while (tokenizer->next() != LexToken::INVALID_TOKEN) ++tokens;
     }
   }
-  reportRate(state, corpus);
-  state.counters["units/token"] = static_cast<double>(tessarin::bench::sizeOf(corpus)) / static_cast<double>(tokens);
+  state.counters["units"] = rate(state, corpus.units);
+  state.counters["units/token"] = static_cast<double>(corpus.units) / static_cast<double>(tokens);
 }
 
 void scannerByLine(benchmark::State& state) {
-  const Corpus& corpus = corpusOf(static_cast<std::size_t>(state.range(0)));
+  const SourceFiles& corpus = sourceFiles(state.range(0));
   const auto tokenizer = Tokenizer::create();
   std::array<LexToken, 1000> tokens;
   for (auto _ : state) {
     std::ptrdiff_t count = 0;
-    for (const CorpusFile& file : corpus) {
+    for (const nvf::SourceBuffer& buffer : corpus.buffers) {
       State lineState;
-      for (std::size_t begin = 0; begin < file.text.size();) {
-        const std::size_t end = file.text.find(u'\n', begin) + 1;
-        count += tokenizer->tokenizeLine(tokens.data(), tokens.size(), lineState, file.text.data() + begin, end - begin,
-                                         nullptr);
+      for (std::size_t begin = 0; begin < buffer.text().size();) {
+        const std::size_t end = buffer.text().find(u'\n', begin) + 1;
+        count += tokenizer->tokenizeLine(tokens.data(), tokens.size(), lineState, buffer.text().data() + begin,
+                                         end - begin, nullptr);
         begin = end;
       }
     }
     benchmark::DoNotOptimize(count);
   }
-  reportRate(state, corpus);
+  state.counters["units"] = rate(state, corpus.units);
 }
 
 void lexer(benchmark::State& state) {
-  const Corpus& corpus = corpusOf(static_cast<std::size_t>(state.range(0)));
-  std::vector<nvf::SourceBuffer> buffers;
-  for (const CorpusFile& file : corpus) {
-    buffers.emplace_back(nvf::FileName(file.name + ".tsn"), std::u16string_view(file.text));
-  }
+  const SourceFiles& corpus = sourceFiles(state.range(0));
   std::size_t tokens = 0;
   for (auto _ : state) {
     tokens = 0;
-    for (const nvf::SourceBuffer& buffer : buffers) {
+    for (const nvf::SourceBuffer& buffer : corpus.buffers) {
       Lexer lexer(buffer);
       while (lexer.next().code() != TokenId::EOI) ++tokens;
     }
   }
-  reportRate(state, corpus);
-  state.counters["tokens"] = benchmark::Counter(static_cast<double>(tokens) * static_cast<double>(state.iterations()),
-                                                benchmark::Counter::kIsRate);
+  state.counters["units"] = rate(state, corpus.units);
+  state.counters["tokens"] = rate(state, tokens);
 }
 
 /// The names and numbers of a mixed corpus, in the order of the text.
 std::vector<std::u16string> wordsOfCorpus() {
   std::vector<std::u16string> words;
   const auto tokenizer = Tokenizer::create();
-  for (const CorpusFile& file : corpusOf(100'000)) {
-    tokenizer->setBuffer(file.text.data(), file.text.size(), false);
+  for (const nvf::SourceBuffer& buffer : sourceFiles(100'000).buffers) {
+    tokenizer->setBuffer(buffer.text().data(), buffer.text().size(), false);
     std::size_t position = 0;
     for (LexToken token = tokenizer->next(); token != LexToken::INVALID_TOKEN; token = tokenizer->next()) {
       if (token.kind == Kind::ID || token.kind == Kind::FLOAT)
-        words.push_back(file.text.substr(position, token.length));
+        words.emplace_back(buffer.text().substr(position, token.length));
       position += token.length;
     }
   }
