@@ -72,13 +72,18 @@ TEST(CheckCommand, FaultsWithoutASourceLine) {
   const TemporaryFolder folder;
   folder.write("fatal.tsn", fatal);
   folder.write("end.tsn", "x = ...\n"); // the fault is on the last line, which is empty
-  const ToolResult result = runTool(folder, {"check", "end.tsn", "fatal.tsn", "gone.tsn"});
+  folder.write("cast.tsn", "component cast\n equations\n  x == internal_mrv_index__(f, 1.5, 2);\n end\nend\n");
+  folder.write("utf.tsn", "x\xC0");
+  const ToolResult result = runTool(folder, {"check", "end.tsn", "fatal.tsn", "cast.tsn", "utf.tsn", "gone.tsn"});
   EXPECT_EQ(result.out,
             "end.tsn:2:1: error: The text ends in the middle of a statement. [IncompleteStatement]\n"
             "fatal.tsn: internal error: non-terminal (parser/parse/NonTerminalData:34, "
             "virtual const tessarin::compiler::core::Token& tessarin::compiler::core::NonTerminalData::token() const)\n"
+            "cast.tsn: error: refused with boost::bad_lexical_cast: "
+            "bad lexical cast: source type value could not be interpreted as target\n"
+            "utf.tsn: error: invalid UTF-8 at byte 1\n"
             "gone.tsn: error: cannot be read: No such file or directory\n"
-            "3 files checked: 3 errors, 0 warnings\n");
+            "5 files checked: 5 errors, 0 warnings\n");
   EXPECT_EQ(result.error, "");
   EXPECT_EQ(result.status, 2);
 }
@@ -145,6 +150,13 @@ TEST(CheckCommand, Json) {
       << result.out;
   EXPECT_EQ(result.error, "");
   EXPECT_EQ(result.status, 2);
+
+  for (const std::vector<std::string>& form :
+       {std::vector<std::string>{"--format", "json"}, {"--format=json", "--json"}, {"--json", "--json"}}) {
+    std::vector<std::string> arguments = {"check", "a", "gone.tsn"};
+    arguments.insert(arguments.end(), form.begin(), form.end());
+    EXPECT_EQ(runTool(folder, arguments).out, result.out) << form.front();
+  }
 }
 
 TEST(CheckCommand, TheSameForAnyNumberOfWorkers) {
@@ -156,14 +168,14 @@ TEST(CheckCommand, TheSameForAnyNumberOfWorkers) {
     for (int line = 0; line < (i % 7 == 0 ? 1000 : 1); ++line) source += "y = " + std::to_string(line) + ";\n";
     folder.write(name + ".tsn", source + (i % 3 == 0 ? bad : i % 5 == 0 ? fatal : good));
   }
-  for (std::vector<std::string> arguments : {std::vector<std::string>{"check", "."}, {"check", ".", "--json"}}) {
-    arguments.push_back("-j1");
+  for (const char* format : {"text", "json", "sarif"}) {
+    std::vector<std::string> arguments = {"check", ".", "--format", format, "-j1"};
     const ToolResult one = runTool(folder, arguments);
     EXPECT_EQ(one.status, 1);
     for (const char* jobs : {"-j2", "-j16", "-j1000"}) {
       arguments.back() = jobs;
       const ToolResult many = runTool(folder, arguments);
-      EXPECT_EQ(many.out, one.out) << jobs;
+      EXPECT_EQ(many.out, one.out) << format << jobs;
       EXPECT_EQ(many.status, one.status);
     }
   }

@@ -7,7 +7,7 @@ namespace {
 using namespace tessarin::test;
 
 const std::vector<std::string> commands = {
-#define TSN_COMMAND(name, description) #name,
+#define TSN_COMMAND(name, ...) #name,
 #include "tools/tsn/commands.def"
 };
 
@@ -23,6 +23,12 @@ TEST(CommandLine, WrongUsage) {
       {"check"},
       {"check", "a.tsn", "-j0"},
       {"check", "a.tsn", "-j", "many"},
+      {"check", "a.tsn", "--format"},
+      {"check", "a.tsn", "--format", "yaml"},
+      {"check", "a.tsn", "--format", "json", "--format", "json"},
+      {"check", "a.tsn", "--format", "text", "--json"},
+      {"check", "a.tsn", "--json", "--format=sarif"},
+      {"tokens", "a.tsn", "--format", "json"},
       {"tokens", "a.tsn", "tree", "a.tsn"},
   };
   const TemporaryFolder folder;

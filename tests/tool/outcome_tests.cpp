@@ -2,7 +2,9 @@
 
 #include "tools/tsn/InOrder.hpp"
 #include "tools/tsn/Outcome.hpp"
+#include "tools/tsn/Source.hpp"
 
+#include <boost/throw_exception.hpp>
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -72,6 +74,26 @@ TEST(Outcome, WhatIsThrownBecomesAMemberOfTheDocument) {
     EXPECT_EQ(statusOf(failure), c.status) << c.json;
   }
   EXPECT_EQ(statusOf(observe([](const nvf::Message&) {}, [] {})), Status::Success);
+}
+
+TEST(Outcome, SentencesForFailuresWithoutAPlace) {
+  struct Case {
+    std::function<void()> stage;
+    std::string sentence;
+  };
+  const Case cases[] = {
+      {[] { static_cast<void>(Source::read("/nowhere")); }, "cannot be read: No such file or directory"},
+      {[] { throw nvf::InvalidUtf8(7); }, "invalid UTF-8 at byte 7"},
+      {[] { throw nvf::BadGet("tessarin::IfExpr"); }, "refused with nvf::BadGet: tessarin::IfExpr"},
+      {[] { boost::throw_exception(std::range_error("too wide")); }, "refused with std::range_error: too wide"},
+      {[] { throw std::bad_alloc(); }, "refused with std::bad_alloc"},
+      {[] { throw 1; }, "refused with int"},
+  };
+  for (const Case& c : cases) {
+    const auto failure = observe([](const nvf::Message&) {}, c.stage);
+    ASSERT_TRUE(failure) << c.sentence;
+    EXPECT_EQ(sentence(std::get<OtherException>(*failure)), c.sentence);
+  }
 }
 
 TEST(InOrder, ResultsComeInOrderForAnyNumberOfWorkers) {

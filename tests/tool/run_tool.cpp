@@ -28,6 +28,7 @@ std::string contentsOf(const std::filesystem::path& file) {
 
 std::vector<char*> pointersTo(std::vector<std::string>& strings) {
   std::vector<char*> pointers;
+  pointers.reserve(strings.size() + 1);
   for (std::string& string : strings) pointers.push_back(string.data());
   pointers.push_back(nullptr);
   return pointers;
@@ -79,8 +80,8 @@ void TemporaryFolder::write(const std::filesystem::path& name, std::string_view 
   if (!stream.flush()) throw std::runtime_error("cannot write " + file.string());
 }
 
-ToolResult runTool(const TemporaryFolder& folder, const std::vector<std::string>& arguments,
-                   const ToolOptions& options) {
+ToolResult runProgram(const std::string& program, const TemporaryFolder& folder,
+                      const std::vector<std::string>& arguments, const ToolOptions& options) {
   const TemporaryFolder streams;
   streams.write("in", options.input);
   const std::string in = streams.path() / "in";
@@ -95,22 +96,27 @@ ToolResult runTool(const TemporaryFolder& folder, const std::vector<std::string>
   posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, error.c_str(), writing, 0600);
   posix_spawn_file_actions_addchdir_np(&actions, folder.path().c_str());
 
-  std::vector<std::string> command = {TSN_EXECUTABLE};
+  std::vector<std::string> command = {program};
   command.insert(command.end(), arguments.begin(), arguments.end());
   std::vector<std::string> environment = environmentWith(options.environment);
   pid_t process = 0;
   const int failure = [&] {
     const StackLimit limit(options.stack);
-    return posix_spawn(&process, TSN_EXECUTABLE, &actions, nullptr, pointersTo(command).data(),
-                       pointersTo(environment).data());
+    return posix_spawnp(&process, program.c_str(), &actions, nullptr, pointersTo(command).data(),
+                        pointersTo(environment).data());
   }();
   posix_spawn_file_actions_destroy(&actions);
-  if (failure != 0) throw std::system_error(failure, std::generic_category(), "posix_spawn");
+  if (failure != 0) throw std::system_error(failure, std::generic_category(), program);
 
   int status = 0;
   require(waitpid(process, &status, 0) == process, "waitpid");
   return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
           options.outputFile.empty() ? contentsOf(out) : std::string(), contentsOf(error)};
+}
+
+ToolResult runTool(const TemporaryFolder& folder, const std::vector<std::string>& arguments,
+                   const ToolOptions& options) {
+  return runProgram(TSN_EXECUTABLE, folder, arguments, options);
 }
 
 } // namespace tessarin::test

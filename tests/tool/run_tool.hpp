@@ -1,4 +1,4 @@
-// Runs the tool on files of a folder of its own.
+// Runs the tool, or another program, on files of a folder of its own.
 #pragma once
 
 #include <filesystem>
@@ -24,7 +24,7 @@ private:
   std::filesystem::path path_;
 };
 
-/// What a run of the tool leaves.
+/// What a run leaves.
 struct ToolResult {
   int status; ///< the exit status, or 128 and the signal that ended the process
   std::string out;
@@ -37,6 +37,11 @@ struct ToolOptions {
   std::vector<std::string> environment = {}; ///< `NAME=value`; TERM and NO_COLOR are not inherited
   std::size_t stack = 0;                     ///< the size of the stack in bytes, where not 0
 };
+
+/// Runs a program in `folder`; one whose name has no slash is looked for on the path. Throws `std::system_error` where
+/// it cannot be started.
+ToolResult runProgram(const std::string& program, const TemporaryFolder& folder,
+                      const std::vector<std::string>& arguments, const ToolOptions& options = {});
 
 /// Runs the tool in `folder`.
 ToolResult runTool(const TemporaryFolder& folder, const std::vector<std::string>& arguments,

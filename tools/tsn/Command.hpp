@@ -14,7 +14,7 @@ namespace tessarin::tool {
 using Action = std::function<Status(Console&)>;
 
 /// Adds the options of the command to `app`, its own part of the command line, and returns what it is to do.
-#define TSN_COMMAND(name, description) Action name(CLI::App& app);
+#define TSN_COMMAND(name, description, example) Action name(CLI::App& app);
 #include "commands.def"
 
 } // namespace tessarin::tool

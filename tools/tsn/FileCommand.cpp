@@ -13,7 +13,7 @@ namespace {
 Status answerText(const std::string& path, const FileAnswer& how, Console& console) {
   std::optional<Source> source;
   const Report report(path, source, console.errorHasColours());
-  const auto failure = observe([&](const nvf::Message& message) { console.report(report.warning(message)); },
+  const auto failure = observe([&](const nvf::Message& message) { console.report(report.warning(Finding(message))); },
                                [&] {
                                  source = Source::read(path);
                                  how.text(*source, console.out());
@@ -50,7 +50,7 @@ Status answerJson(const std::string& path, const FileAnswer& how, Console& conso
 
 std::shared_ptr<const FileOptions> addFileOptions(CLI::App& app) {
   const auto options = std::make_shared<FileOptions>();
-  app.add_option("file", options->path, "the file, in UTF-8, or - for standard input")->required()->type_name("FILE");
+  app.add_option("FILE", options->path, "the file, in UTF-8, or - for standard input")->required()->type_name("");
   app.add_flag("--json", options->json, "answer with one line of JSON");
   return options;
 }

@@ -15,12 +15,19 @@ namespace tessarin::tool {
 namespace {
 
 /// The class of the exception that is being handled.
-std::string currentClassName() {
+std::string demangledCurrentClassName() {
   const std::type_info* type = abi::__cxa_current_exception_type();
   if (type == nullptr) return "unknown";
   const std::unique_ptr<char, void (*)(void*)> name(abi::__cxa_demangle(type->name(), nullptr, nullptr, nullptr),
                                                     std::free);
   return name ? name.get() : type->name();
+}
+
+/// The same without what Boost wraps around the exceptions that it throws.
+std::string currentClassName() {
+  constexpr std::string_view wrapper = "boost::wrapexcept<";
+  std::string name = demangledCurrentClassName();
+  return name.starts_with(wrapper) ? name.substr(wrapper.size(), name.size() - wrapper.size() - 1) : name;
 }
 
 Failure currentFailure() {
@@ -33,7 +40,9 @@ Failure currentFailure() {
   } catch (const nvf::FatalError& e) {
     return e.diagnostic();
   } catch (const UnreadableFile& e) {
-    return OtherException{currentClassName(), e.what(), Status::Usage};
+    return OtherException{currentClassName(), e.what(), Status::Usage, true};
+  } catch (const nvf::InvalidUtf8& e) {
+    return OtherException{currentClassName(), e.what(), Status::Fault, true};
   } catch (const std::exception& e) {
     return OtherException{currentClassName(), e.what(), Status::Fault};
   } catch (...) {
@@ -47,12 +56,6 @@ bool isOnNameOfStandardInput(const nvf::Message& message) {
   const std::string& id = message.id().id;
   return message.location() && message.location()->fileName() == standardInput &&
          (id == "InconsistentModelNameAndFileName" || id == "InconsistentFunctionNameAndFileName");
-}
-
-std::string_view familyOf(const nvf::BaseMsgID& id) {
-  std::string_view catalog = id.catalog;
-  if (catalog.starts_with(nvf::catalogPrefix)) catalog.remove_prefix(nvf::catalogPrefix.size());
-  return catalog;
 }
 
 /// The arguments but the one that says where.
@@ -125,6 +128,22 @@ Status statusOf(const std::optional<Failure>& failure) {
   if (!failure) return Status::Success;
   const auto* other = std::get_if<OtherException>(&*failure);
   return other == nullptr ? Status::Fault : other->status;
+}
+
+std::string sentence(const nvf::FatalDiagnostic& fatal) {
+  return fatal.text + " (" + fatal.sourceFile + ":" + std::to_string(fatal.line) + ", " + fatal.signature + ")";
+}
+
+std::string sentence(const OtherException& error) {
+  if (error.isSelfExplaining) return error.what;
+  const bool addsNothing = error.what.empty() || error.what == error.className;
+  return "refused with " + error.className + (addsNothing ? "" : ": " + error.what);
+}
+
+std::string_view familyOf(const nvf::BaseMsgID& id) {
+  std::string_view catalog = id.catalog;
+  if (catalog.starts_with(nvf::catalogPrefix)) catalog.remove_prefix(nvf::catalogPrefix.size());
+  return catalog;
 }
 
 void writeJson(JsonWriter& json, const Finding& finding) {

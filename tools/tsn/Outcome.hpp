@@ -12,6 +12,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 
 namespace tessarin::tool {
@@ -35,6 +36,7 @@ struct OtherException {
   std::string className; ///< with its namespaces
   std::string what;      ///< in UTF-8
   Status status;
+  bool isSelfExplaining = false; ///< whether `what` says to a user of the tool what is wrong
 };
 
 /// Why there is no answer: a fault in the input, a fatal diagnostic, or another exception.
@@ -47,6 +49,13 @@ std::optional<Failure> observe(const nvf::WarningSink& sink, const std::function
 
 /// The exit status for a file with this outcome.
 Status statusOf(const std::optional<Failure>& failure);
+
+/// What a failure without a place is told as, in one line of UTF-8.
+std::string sentence(const nvf::FatalDiagnostic& fatal);
+std::string sentence(const OtherException& error);
+
+/// The family of a message: what stands in the name of its catalog behind the part that all have in common.
+std::string_view familyOf(const nvf::BaseMsgID& id);
 
 /// Writes `{"family":…,"id":…,"arguments":[…],"line":…,"column":…}`. The argument that says where is left out, for line
 /// and column say it.

@@ -58,19 +58,18 @@ struct Report::FailureText {
 
   std::string operator()(const Finding& fault) const { return report.finding(fault, red, "error"); }
   std::string operator()(const nvf::FatalDiagnostic& fatal) const {
-    const std::string where = fatal.sourceFile + ":" + std::to_string(fatal.line) + ", " + fatal.signature;
-    return report.headline("", red, "internal error", fatal.text + " (" + where + ")");
+    return report.headline("", red, "internal error", escaped(sentence(fatal)));
   }
   std::string operator()(const OtherException& error) const {
-    return report.headline("", red, "error", escaped(error.what.empty() ? error.className : error.what));
+    return report.headline("", red, "error", escaped(sentence(error)));
   }
 };
 
 Report::Report(const std::string& path, const std::optional<Source>& source, bool colours)
     : path_(escaped(Source::displayName(path))), source_(source), colours_(colours) {}
 
-std::string Report::warning(const nvf::Message& message) const {
-  return finding(Finding(message), magenta, "warning");
+std::string Report::warning(const Finding& about) const {
+  return finding(about, magenta, "warning");
 }
 
 std::string Report::failure(const Failure& failure) const {

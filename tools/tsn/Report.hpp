@@ -24,7 +24,7 @@ public:
   /// source is shown.
   Report(const std::string& path, const std::optional<Source>& source, bool colours);
 
-  [[nodiscard]] std::string warning(const nvf::Message& message) const;
+  [[nodiscard]] std::string warning(const Finding& about) const;
   [[nodiscard]] std::string failure(const Failure& failure) const;
 
 private:

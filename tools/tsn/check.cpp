@@ -1,12 +1,11 @@
 // tsn check: what is wrong with files.
 
+#include "CheckFormat.hpp"
 #include "Command.hpp"
 #include "FileWalk.hpp"
 #include "InOrder.hpp"
-#include "JsonWriter.hpp"
 #include "Outcome.hpp"
 #include "Printable.hpp"
-#include "Report.hpp"
 #include "SetupFunction.hpp"
 #include "Source.hpp"
 #include "SourceFiles.hpp"
@@ -14,86 +13,62 @@
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
+#include <iterator>
 #include <memory>
-#include <optional>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace tessarin::tool {
 
 namespace {
 
+struct FormatRow {
+  const char* name;
+  std::unique_ptr<CheckFormat> (*make)(Console&);
+};
+
+/// The first one is the default.
+constexpr FormatRow formats[] = {{"text", textFormat}, {"json", jsonFormat}, {"sarif", sarifFormat}};
+
 struct CheckOptions {
   std::vector<std::string> paths;
   std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
-  bool json = false;
+  std::string format = formats[0].name;
 };
 
-/// What has come of one file: its part of the output, and what is counted.
-struct FileResult {
-  std::string output;
-  std::size_t errors = 0;
-  std::size_t warnings = 0;
-  Status status = Status::Success;
-};
-
-struct Summary {
-  std::size_t files = 0;
-  std::size_t errors = 0;
-  std::size_t warnings = 0;
-  Status status = Status::Success;
-
-  void add(const FileResult& file) {
-    ++files;
-    errors += file.errors;
-    warnings += file.warnings;
-    status = std::max(status, file.status);
-  }
-};
-
-/// Takes the text through all stages. Throws the first fault.
-void check(const Source& source) {
-  static_cast<void>(setupFunctionOf(buildFile(source)));
+/// Reads a file and takes its text through all stages, up to the first fault.
+CheckedFile check(const std::string& path) {
+  CheckedFile file{path, {}, {}, {}};
+  file.failure = observe([&](const nvf::Message& message) { file.warnings.emplace_back(message); },
+                         [&] {
+                           file.source = Source::read(path);
+                           static_cast<void>(setupFunctionOf(buildFile(*file.source)));
+                         });
+  return file;
 }
 
-FileResult checkForPeople(const std::string& path, bool colours) {
-  FileResult result;
-  std::optional<Source> source;
-  const Report report(path, source, colours);
-  const auto failure = observe(
-      [&](const nvf::Message& message) {
-        ++result.warnings;
-        result.output += report.warning(message);
+Status checkFiles(const std::vector<std::string>& files, std::size_t jobs, CheckFormat& format) {
+  struct Result {
+    CheckSummary summary;
+    std::function<void()> write;
+  };
+  CheckSummary summary;
+  forEachInOrder(
+      files.size(), jobs,
+      [&](std::size_t i) {
+        CheckedFile file = check(files[i]);
+        const CheckSummary figures(file);
+        return Result{figures, format.prepare(std::move(file))};
       },
-      [&] {
-        source = Source::read(path);
-        check(*source);
+      [&](const Result& result) {
+        result.write();
+        summary += result.summary;
       });
-  if (failure) {
-    ++result.errors;
-    result.output += report.failure(*failure);
-  }
-  result.status = statusOf(failure);
-  return result;
-}
-
-FileResult checkForMachines(const std::string& path) {
-  std::vector<nvf::Message> warnings;
-  const auto failure =
-      observe([&](const nvf::Message& message) { warnings.push_back(message); }, [&] { check(Source::read(path)); });
-
-  std::ostringstream text;
-  JsonWriter json(text);
-  json.beginObject();
-  json.key("path").string(path);
-  if (failure) writeJsonMember(json, *failure);
-  json.key("warnings").beginArray();
-  for (const nvf::Message& warning : warnings) writeJson(json, Finding(warning));
-  json.endArray().endObject();
-  return {text.str(), failure ? std::size_t{1} : std::size_t{0}, warnings.size(), statusOf(failure)};
+  format.finish(summary);
+  return summary.status;
 }
 
 /// The files that the arguments stand for, each once. Tells of directories that have none.
@@ -116,61 +91,43 @@ std::vector<std::string> filesToCheck(const std::vector<std::string>& arguments,
   return files;
 }
 
-std::string counted(std::size_t count, const std::string& noun) {
-  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
-
-Status checkFilesForPeople(const std::vector<std::string>& files, std::size_t jobs, Console& console) {
-  Summary summary;
-  forEachInOrder(
-      files.size(), jobs, [&](std::size_t i) { return checkForPeople(files[i], console.outHasColours()); },
-      [&](const FileResult& file) {
-        console.out() << file.output;
-        summary.add(file);
+/// Adds --format, and --json, which is short for one form.
+void addFormatOptions(CLI::App& app, const std::shared_ptr<CheckOptions>& options) {
+  std::vector<std::string> names;
+  std::string alternatives;
+  for (const FormatRow& row : formats) {
+    names.emplace_back(row.name);
+    alternatives += (alternatives.empty() ? "" : "|") + names.back();
+  }
+  CLI::Option* format =
+      app.add_option("--format", options->format, "write text for people (the default), JSON, or SARIF 2.1.0")
+          ->check(CLI::IsMember(names))
+          ->option_text(alternatives);
+  app.add_flag_callback(
+         "--json", [options] { options->format = "json"; }, "the same as --format json")
+      ->check([options, format](const std::string&) { // once --format has been read, for it stands before
+        const bool contradicts = format->count() > 0 && options->format != "json";
+        return contradicts ? "contradicts --format " + options->format : std::string();
       });
-  console.out() << counted(summary.files, "file") << " checked: " << counted(summary.errors, "error") << ", "
-                << counted(summary.warnings, "warning") << '\n';
-  return summary.status;
-}
-
-Status checkFilesForMachines(const std::vector<std::string>& files, std::size_t jobs, Console& console) {
-  Summary summary;
-  JsonWriter json(console.out());
-  json.beginObject().key("files").beginArray();
-  forEachInOrder(
-      files.size(), jobs, [&](std::size_t i) { return checkForMachines(files[i]); },
-      [&](const FileResult& file) {
-        json.raw(file.output);
-        summary.add(file);
-      });
-  json.endArray().key("summary").beginObject();
-  json.key("files").number(summary.files);
-  json.key("errors").number(summary.errors);
-  json.key("warnings").number(summary.warnings);
-  json.endObject().endObject();
-  console.out() << '\n';
-  return summary.status;
 }
 
 } // namespace
 
 Action check(CLI::App& app) {
   const auto options = std::make_shared<CheckOptions>();
-  app.add_option("paths", options->paths, "files, directories, or - for standard input")
-      ->required()
-      ->type_name("FILE|DIR");
-  app.add_option("-j,--jobs", options->jobs, "files to check at the same time")
+  app.add_option("FILE|DIR", options->paths, "files, directories, or - for standard input")->required()->type_name("");
+  app.add_option("-j,--jobs", options->jobs, "check so many files at the same time (by default one for each processor)")
       ->check([](const std::string& text) {
         return text.find_first_not_of('0') == std::string::npos ? std::string("at least one file at a time")
                                                                 : std::string();
       })
-      ->type_name("N")
-      ->capture_default_str();
-  app.add_flag("--json", options->json, "answer with one line of JSON");
+      ->option_text("N");
+  addFormatOptions(app, options);
   return [options](Console& console) {
     const std::vector<std::string> files = filesToCheck(options->paths, console);
-    return options->json ? checkFilesForMachines(files, options->jobs, console)
-                         : checkFilesForPeople(files, options->jobs, console);
+    const auto* row = std::find_if(std::begin(formats), std::end(formats),
+                                   [&](const FormatRow& f) { return options->format == f.name; });
+    return checkFiles(files, options->jobs, *row->make(console));
   };
 }
 

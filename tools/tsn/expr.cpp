@@ -85,8 +85,8 @@ void writeJson(const Outcome& outcome, Console& console) {
 
 Action expr(CLI::App& app) {
   const auto options = std::make_shared<ExprOptions>();
-  app.add_option("text", options->text, "the expression")->required()->type_name("TEXT");
-  CLI::Option* user = app.add_flag("--user", options->user, "print it in the user's form");
+  app.add_option("TEXT", options->text, "the expression")->required()->type_name("");
+  CLI::Option* user = app.add_flag("--user", options->user, "print it as the user wrote it, where that is known");
   CLI::Option* digest = app.add_flag("--digest", options->digest, "print the bytes of its digest in hexadecimal");
   CLI::Option* json = app.add_flag("--json", options->json, "answer with one line of JSON: texts, digest and tree");
   user->excludes(digest)->excludes(json);

@@ -16,24 +16,29 @@ namespace {
 struct CommandRow {
   const char* name;
   const char* description;
+  const char* example;
   Action (*setUp)(CLI::App&);
 };
 
 constexpr CommandRow commands[] = {
-#define TSN_COMMAND(name, description) {#name, description, name},
+#define TSN_COMMAND(name, description, example) {#name, description, example, name},
 #include "commands.def"
 };
 
-constexpr const char* epilogue = R"(Exit status:
+constexpr const char* epilogue =
+    R"(Answers go to standard output, what is wrong with the input to standard error, except that what 'check' finds and every
+document of --json is the answer. 'tsn COMMAND --help' tells about a command, and the manual page tsn(1) about all.
+
+Exit status:
   0  the input is in order; warnings do not count
   1  the input has a fault
-  2  the command line is wrong, or a file cannot be read
-
-Answers go to standard output, what is wrong with the input to standard error, except that what 'check' finds and every
-document of --json is the answer. 'tsn COMMAND --help' tells about a command.)";
+  2  the command line is wrong, or a file cannot be read or written)";
 
 Status run(int argc, char** argv, Console& console) {
-  CLI::App app("Looks at Tessarin sources: tokens, parse trees, faults.", "tsn");
+  CLI::App app("Looks at Tessarin sources: tokens, trees, what they declare and use, what is wrong with them.", "tsn");
+  app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+  app.get_formatter()->label("REQUIRED", ""); // the usage line shows it
+  app.get_formatter()->label("Excludes", "not with");
   app.set_version_flag("--version", "tsn " TESSARIN_VERSION, "print the version and exit");
   app.set_help_flag("-h,--help", "print this help and exit");
   app.require_subcommand(1);
@@ -41,7 +46,8 @@ Status run(int argc, char** argv, Console& console) {
 
   Action action;
   for (const CommandRow& row : commands) {
-    CLI::App* part = app.add_subcommand(row.name, row.description);
+    CLI::App* part = app.add_subcommand(row.name, row.description)->group("Commands");
+    part->footer(std::string("Example:\n  ") + row.example);
     part->callback([&action, todo = row.setUp(*part)] { action = todo; });
   }
 
