@@ -11,7 +11,9 @@ struct DeadBlocks {
   SharedBlock* first = nullptr;
   bool atWork = false;
 };
-constinit thread_local DeadBlocks dead;
+// The initial-exec model reads it without a call. A library that is loaded later takes such variables from a small
+// reserve that the system keeps for them; two words are welcome there.
+[[gnu::tls_model("initial-exec")]] constinit thread_local DeadBlocks dead;
 
 } // namespace
 

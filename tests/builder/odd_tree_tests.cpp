@@ -1,4 +1,6 @@
 // Trees that no text gives: they end in a fault or a fatal diagnostic.
+#include "tessarin/parser/setup/SetupConversion.hpp"
+
 #include "builder/files.hpp"
 #include "support/small_stack.hpp"
 
@@ -56,7 +58,11 @@ TEST(BuildOddTrees, ExpressionsWithTheWrongChildren) {
   for (const auto& [tree, expected] : cases) EXPECT_EQ(built(tree), expected) << tree.getText(0);
 }
 
-/// Calls each of the members for expressions, references and equations.
+std::optional<SetupDiagnosticFunction> noDiagnostic(const nvf::CxId&) {
+  return std::nullopt;
+}
+
+/// Calls everything that is made of a parse tree.
 template <class Visit>
 void forEachMember(const ASTBuilder& b, const ParseTree& t, Visit visit) {
   visit([&] { static_cast<void>(b.buildExpr(t)); });
@@ -85,6 +91,78 @@ void forEachMember(const ASTBuilder& b, const ParseTree& t, Visit visit) {
   visit([&] { static_cast<void>(b.buildWhenClause(t)); });
   visit([&] { static_cast<void>(b.buildEventBlock(t)); });
   visit([&] { static_cast<void>(b.buildFunctionEqnItems(t)); });
+  visit([&] { static_cast<void>(b.buildMatrixRow(t)); });
+  visit([&] { static_cast<void>(b.buildIdent(t)); });
+  visit([&] { static_cast<void>(b.buildOptIdent(t)); });
+  visit([&] { static_cast<void>(b.buildIdentList(t)); });
+  visit([&] { static_cast<void>(b.buildIdentList1(t)); });
+  visit([&] { static_cast<void>(b.buildIdentValuePair(t)); });
+  visit([&] { static_cast<void>(b.buildIdentValuePairs(t)); });
+  visit([&] { static_cast<void>(b.buildTypeSpecifier(t)); });
+  visit([&] { static_cast<void>(b.buildImplicitReference(t)); });
+  visit([&] { static_cast<void>(b.buildIdSubsPath(t, {0, 2})); });
+  visit([&] { static_cast<void>(b.buildEqnItem(t)); });
+  visit([&] { static_cast<void>(b.buildEqnItemList(t)); });
+  visit([&] { static_cast<void>(b.buildFunctionEqnItem(t)); });
+  visit([&] { static_cast<void>(b.buildEqnDeclaration(t, 0, 1)); });
+  visit([&] { static_cast<void>(b.buildEqDeclarationList(t)); });
+  visit([&] { static_cast<void>(b.buildUntypedEqnDeclaration(t, 0)); });
+  visit([&] { static_cast<void>(b.buildModelItemDecl(t)); });
+  visit([&] { static_cast<void>(b.buildObjArrayDecl(t)); });
+  visit([&] { static_cast<void>(b.buildDeclarationBlock(t)); });
+  visit([&] { static_cast<void>(b.buildDefinitionsBlock(t)); });
+  visit([&] { static_cast<void>(b.buildImports(t)); });
+  visit([&] { static_cast<void>(b.buildClassInitializer(t)); });
+  visit([&] { static_cast<void>(b.buildAnnotationsBlock(t)); });
+  visit([&] { static_cast<void>(b.buildMemberAnnotation(t)); });
+  visit([&] { static_cast<void>(b.buildBranchBlock(t)); });
+  visit([&] { static_cast<void>(b.buildThrough(t)); });
+  visit([&] { static_cast<void>(b.buildThroughLeaf(t)); });
+  visit([&] { static_cast<void>(b.buildConnectionBlock(t)); });
+  visit([&] { static_cast<void>(b.buildConnection(t)); });
+  visit([&] { static_cast<void>(b.buildModechartBlock(t)); });
+  visit([&] { static_cast<void>(b.buildModechartDeclaration(t)); });
+  visit([&] { static_cast<void>(b.buildModechart(t)); });
+  visit([&] { static_cast<void>(b.buildModesSection(t)); });
+  visit([&] { static_cast<void>(b.buildMode(t)); });
+  visit([&] { static_cast<void>(b.buildTransitionsSection(t)); });
+  visit([&] { static_cast<void>(b.buildTransition(t)); });
+  visit([&] { static_cast<void>(b.buildInitialSection(t)); });
+  visit([&] { static_cast<void>(b.buildInitialMode(t)); });
+  visit([&] { static_cast<void>(b.buildDeclarative(t)); });
+  visit([&] { static_cast<void>(b.buildConditionalSection(t)); });
+  visit([&] { static_cast<void>(b.buildElseifSections(t)); });
+  visit([&] { static_cast<void>(b.buildElseifSection(t)); });
+  visit([&] { static_cast<void>(b.buildElseSection(t)); });
+  visit([&] { static_cast<void>(b.buildForLoop(t)); });
+  visit([&] { static_cast<void>(b.buildModel(t, FileSource::open)); });
+  visit([&] { static_cast<void>(b.buildTSNFunction(t, FileSource::open)); });
+  visit([&] {
+    static_cast<void>(b.buildTSNFunctions(t, Ident(Token(TokenId::ID, nvf::Location(), u"m", 1)), FileSource::open));
+  });
+  visit([&] { static_cast<void>(b.buildTSNFile(t, FileSource::open)); });
+  visit([&] { static_cast<void>(b.buildModelFile(t, FileSource::open)); });
+  visit([&] { static_cast<void>(b.buildTSNFunctionFile(t, FileSource::open)); });
+  visit([&] { static_cast<void>(b.extractStructureInfo(t)); });
+  visit([&] { static_cast<void>(to_setup_expr(t)); });
+  visit([&] {
+    static_cast<void>(to_simple_setup_stmt(ParseTree(K::NonExprStmt, std::vector<ParseTree>(6, t)), noDiagnostic));
+  });
+}
+
+TEST(BuildOddTrees, SetupFunctions) {
+  const auto converted = [](const ParseTree& body) {
+    const ParseTree fill = leaf(TokenId::EMPTYTOKEN, {});
+    return resultOf([&] {
+      static_cast<void>(to_simple_setup_stmt(
+          {K::NonExprStmt, {{K::ClosedFcnDef, {fill, fill, fill, fill, fill, body}}}}, noDiagnostic));
+      return std::string();
+    });
+  };
+  const ParseTree assignment(K::Assign, {name(), leaf(TokenId::EQUALS, {}), leaf(TokenId::NUMBER, u"1")});
+  EXPECT_EQ(converted({K::ExprStmt, {assignment, leaf(TokenId::SEMI, {})}}), "");
+  EXPECT_EQ(converted({K::ExprStmt, {assignment}}), "SimpleSetupUnsupportedStatement");
+  EXPECT_EQ(converted({K::IfStmt, {name(), name()}}), "fatal: Parse tree node not recognized. 118");
 }
 
 TEST(BuildOddTrees, NothingButExceptions) {

@@ -380,6 +380,8 @@ TEST(StringEntries, ObjectReferences) {
   EXPECT_THROW((void)str_to_objectref("a(1e30)"), boost::numeric::positive_overflow);
   EXPECT_THROW((void)str_to_objectref("a(18446744073709551616)"), boost::numeric::positive_overflow);
   EXPECT_THROW((void)str_to_objectref("a([1 1e999])"), boost::numeric::positive_overflow);
+  EXPECT_THROW((void)str_to_objectref("a(1e30).b(x = 1)"), boost::numeric::positive_overflow); // the path comes first
+  EXPECT_THROW((void)str_to_valueref("a(1e30).b(x = 1)"), boost::numeric::positive_overflow);
   EXPECT_EQ(str_to_objectref("a(1).b").range(), nvf::Range());
 }
 
@@ -421,6 +423,7 @@ TEST(StringEntries, ValueReferences) {
   EXPECT_EQ(tailed("a(1).b", "c"), "[a(1)] b c of a(1).b.c");
   EXPECT_EQ(tailed("a.b(1)", "c"), "InvalidValueRefSyntax(a.b(1))");
   EXPECT_EQ(tailed("a", "b(1)"), "InvalidValueRefSyntax(a.b(1))");
+  EXPECT_EQ(tailed("a", "b({1,'+'})"), "InvalidUnitLiteral(+) at 3:8"); // parsed before it is looked at
   EXPECT_EQ(tailed("a", "1"), "InvalidValueRefSyntax(a.1)");
   EXPECT_EQ(tailed("a", ""), "InvalidValueRefSyntax(a.)");
   EXPECT_EQ(tailed("a+", "b"), "InvalidValueRefSyntax(a+)");

@@ -105,7 +105,7 @@ public:
   OpExpr(OpExprType type, const Expr& operand, const nvf::Range& range);
   OpExpr(OpExprType type, const Expr& left, const Expr& right, const nvf::Range& range);
   OpExpr(OpExprType type, const Expr& first, const Expr& second, const Expr& third, const nvf::Range& range);
-  OpExpr(OpExprType type, const std::vector<Expr>& operands, const nvf::Range& range);
+  OpExpr(OpExprType type, std::vector<Expr> operands, const nvf::Range& range);
 
   [[nodiscard]] OpExprType opType() const noexcept { return get<0>(); }
   /// A lower number binds tighter.

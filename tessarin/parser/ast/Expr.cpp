@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <utility>
 
 namespace tessarin::compiler::core {
 
@@ -64,9 +65,10 @@ constexpr auto lastCode = std::max_element(operators.begin(), operators.end(),
 
 /// The operator of each kind of node up to the last one that is one's, or -1.
 constexpr auto typesByCode = [] {
-  std::array<std::int8_t, std::size_t{lastCode} + 1> types{};
+  std::array<std::int8_t, static_cast<std::size_t>(lastCode) + 1> types{};
   for (std::int8_t& type : types) type = -1;
-  for (std::size_t i = 0; i < operators.size(); ++i) types[operators[i].code] = static_cast<std::int8_t>(i);
+  for (std::size_t i = 0; i < operators.size(); ++i)
+    types[static_cast<std::size_t>(operators[i].code)] = static_cast<std::int8_t>(i);
   return types;
 }();
 
@@ -86,8 +88,8 @@ OpExpr::OpExpr(OpExprType type, const Expr& left, const Expr& right, const nvf::
     : OpExpr(type, std::vector<Expr>{left, right}, range) {}
 OpExpr::OpExpr(OpExprType type, const Expr& first, const Expr& second, const Expr& third, const nvf::Range& range)
     : OpExpr(type, std::vector<Expr>{first, second, third}, range) {}
-OpExpr::OpExpr(OpExprType type, const std::vector<Expr>& operands, const nvf::Range& range)
-    : TupleWrapper(type, operands, range) {}
+OpExpr::OpExpr(OpExprType type, std::vector<Expr> operands, const nvf::Range& range)
+    : TupleWrapper(type, std::move(operands), range) {}
 
 std::size_t OpExpr::precedence() const {
   return info(opType()).precedence;

@@ -1,10 +1,26 @@
 #include "tessarin/parser/ast/FromTree.hpp"
 
+#include "tessarin/foundation/terminate.hpp"
+
 namespace tessarin::compiler::core {
 
 nvf::Range rangeOf(const ParseTree& tree) {
   const Token* first = tree.left();
   return first == nullptr ? nvf::Range() : first->range() + tree.right()->range();
+}
+
+nvf::Location placeOf(const ParseTree& tree) {
+  const Token* first = tree.left();
+  return first == nullptr ? nvf::Location() : first->location();
+}
+
+const ParseTree& childOf(const ParseTree& tree, std::size_t i) {
+  if (i >= tree.count()) {
+    nvf::terminate(notRecognized, fromTreeSource, 118,
+                   "const tessarin::compiler::core::ParseTree& childOf(const "
+                   "tessarin::compiler::core::ParseTree&, size_t)");
+  }
+  return tree.child(i);
 }
 
 std::span<const ParseTree> childrenOf(const ParseTree& tree, std::size_t first) {

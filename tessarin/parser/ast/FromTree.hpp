@@ -18,6 +18,16 @@ namespace tessarin::compiler::core {
 /// From the first to the last token; empty where there is none.
 nvf::Range rangeOf(const ParseTree& tree);
 
+/// The place of the first token below; a default one where a tree that no text gives has none.
+nvf::Location placeOf(const ParseTree& tree);
+
+/// Where fatal diagnostics about trees that the grammar does not yield say that they come from, and what they say.
+inline constexpr const char* fromTreeSource = "parser/ast/ASTBuilder";
+inline constexpr const char* notRecognized = "Parse tree node not recognized.";
+
+/// The child at `i`. Where there is none, the tree is one that the grammar does not yield: a fatal diagnostic.
+const ParseTree& childOf(const ParseTree& tree, std::size_t i);
+
 /// The children of a non-terminal from the one at `first` on. Any other tree is a fatal diagnostic.
 std::span<const ParseTree> childrenOf(const ParseTree& tree, std::size_t first = 0);
 
@@ -53,18 +63,18 @@ inline OpExprType operatorOf(const ParseTree& tree) {
 /// The number of operands where the kind of the node is that of an operator; otherwise 0.
 std::size_t operandCount(const ParseTree& tree);
 
-/// An operator between two operands. `childAt` gives the child of a node at a position, `convert` makes an expression
-/// of a tree. Right operands are converted before left ones, so that of several faults the one that stands last is
-/// reported. Chains to the left, which may be of any length, take a loop and no recursion.
-template <class ChildAt, class Convert>
-Expr convertBinary(const ParseTree& tree, ChildAt childAt, Convert convert) {
+/// An operator between two operands, which `convert` makes expressions of. Right operands are converted before left
+/// ones, so that of several faults the one that stands last is reported. Chains to the left, which may be of any
+/// length, take a loop and no recursion.
+template <class Convert>
+Expr convertBinary(const ParseTree& tree, Convert convert) {
   struct Step {
     const ParseTree* tree;
     Expr right;
   };
   std::vector<Step> steps;
   const ParseTree* left = &tree;
-  for (; operandCount(*left) == 2; left = &childAt(*left, 0)) steps.push_back({left, convert(childAt(*left, 2))});
+  for (; operandCount(*left) == 2; left = &childOf(*left, 0)) steps.push_back({left, convert(childOf(*left, 2))});
   Expr result = convert(*left);
   for (; !steps.empty(); steps.pop_back()) {
     const Step& step = steps.back();

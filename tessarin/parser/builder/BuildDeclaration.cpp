@@ -101,7 +101,7 @@ Name ASTBuilder::buildTypeSpecifier(const ParseTree& tree) const {
 std::vector<ImportStmt> ASTBuilder::buildImports(const ParseTree& tree) const {
   return mapChildren(tree, [this](const ParseTree& item) {
     const bool isUnqualified = item.count() == 3; // the last child is the ".*"
-    return ImportStmt(buildTypeSpecifier(childOf(item, 1)), isUnqualified, childOf(item, 0).location());
+    return ImportStmt(buildTypeSpecifier(childOf(item, 1)), isUnqualified, placeOf(childOf(item, 0)));
   });
 }
 

@@ -39,7 +39,7 @@ Expr buildTerminal(const ASTBuilder& builder, const Token& token) {
 }
 
 Expr buildBinary(const ASTBuilder& builder, const ParseTree& tree) {
-  return convertBinary(tree, childOf, [&](const ParseTree& operand) { return builder.buildExpr(operand); });
+  return convertBinary(tree, [&](const ParseTree& operand) { return builder.buildExpr(operand); });
 }
 
 Expr buildUnary(const ASTBuilder& builder, const ParseTree& tree, OpExprType type, std::size_t operand) {

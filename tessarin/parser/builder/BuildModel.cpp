@@ -64,7 +64,7 @@ DeclarativeSections ASTBuilder::buildDeclarative(const ParseTree& tree) const {
     Sections sections;
     for (const ParseTree& child : childrenOf(tree)) {
       if (sections.add(*this, child)) continue;
-      if (child.code() == K::NonExprStmt) raiseAt<IllegalSetupFunction>(child.location());
+      if (child.code() == K::NonExprStmt) raiseAt<IllegalSetupFunction>(placeOf(child));
       fatal(notRecognized, 649,
             "tessarin::compiler::core::DeclarativeSections tessarin::compiler::core::ASTBuilder::"
             "buildDeclarative(const tessarin::compiler::core::ParseTree&) const");
@@ -125,7 +125,7 @@ Model ASTBuilder::buildModel(const ParseTree& tree, FileSource source) const {
     if (sections.add(*this, child)) continue;
     switch (child.code()) {
     case K::NonExprStmt:
-      if (setup.type() != 0) raiseAt<MultipleSetupFunctions>(child.location());
+      if (setup.type() != 0) raiseAt<MultipleSetupFunctions>(placeOf(child));
       setup = child;
       break;
     case K::Baseclass: baseClass = buildClassInitializer(child); break;
@@ -156,9 +156,8 @@ LocalTSNFunctions ASTBuilder::buildTSNFunctions(const ParseTree& tree, const Ide
   for (const ParseTree& child : childrenOf(tree)) {
     const TSNFunction function = buildTSNFunction(child, source);
     const Ident& name = function.name();
-    if (name.id() == mainName.id()) raiseAt<NoSameNameForLocalTSNFcn>(child.location(), name.string());
-    if (!functions.emplace(name.id(), function).second)
-      raiseAt<DuplicateLocalTSNFcnId>(child.location(), name.string());
+    if (name.id() == mainName.id()) raiseAt<NoSameNameForLocalTSNFcn>(placeOf(child), name.string());
+    if (!functions.emplace(name.id(), function).second) raiseAt<DuplicateLocalTSNFcnId>(placeOf(child), name.string());
   }
   // Entered in the order of their names, so that the order in which the table is walked, and with it the printed form
   // of the file, does not depend on their order in the text.

@@ -215,6 +215,10 @@ Expr buildReference(const ASTBuilder& builder, const ParseTree& tree) {
 // ---- variables ----
 
 Variable ASTBuilder::buildVariable(const ParseTree& tree) const {
+  // Most are a plain name.
+  if (tree.count() == 1 && tree.child(0).isTerminalType(TokenId::ID)) {
+    return {buildIdent(tree.child(0)), {}, std::nullopt, rangeOf(tree)};
+  }
   std::vector<std::size_t> positions = namePositions(tree);
   if (positions.empty()) fatal(notRecognized, 543, buildVariableSignature);
   const std::size_t last = positions.back();

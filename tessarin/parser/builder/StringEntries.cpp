@@ -234,7 +234,8 @@ IdListValuePair str_to_IdListValuePair(const ustring& id, const ustring& value, 
       first<Msg>(first<Msg>(model.declarativeSections().declarationBlocks(), pair).declarations(), pair));
 }
 IdListValuePair str_to_IdListValuePair(const std::string& id, const std::string& value, const ASTBuilder& builder) {
-  return str_to_IdListValuePair(checked(id), checked(value), builder);
+  const ustring name = checked(id); // first, so that of two faulty texts the name is the one that is told
+  return str_to_IdListValuePair(name, checked(value), builder);
 }
 
 namespace {
@@ -287,8 +288,14 @@ public:
       }
     }();
     const auto* variable = expr.getIf<Variable>();
-    if (variable == nullptr || (variable->tail() && !variable->tail()->namedArgs().empty())) refuse();
+    if (variable == nullptr) refuse();
     return *variable;
+  }
+
+  /// The arguments behind the last name, which have to be positional.
+  [[nodiscard]] const std::optional<Arguments>& tail(const Variable& variable) const {
+    if (variable.tail() && !variable.tail()->namedArgs().empty()) refuse();
+    return variable.tail();
   }
 
   /// The steps before the last name, with their indices.
@@ -315,7 +322,7 @@ public:
 
 private:
   [[nodiscard]] unsigned long number(const Expr& expr) const {
-    const auto* literal = expr.getIf<NumberLiteral>();
+    const auto* literal = expr.getIf<NumberLiteral>(); // an index is no imaginary number: intended
     if (literal == nullptr || literal->value().isImaginary()) refuse();
     return boost::numeric_cast<unsigned long>(literal->value().number());
   }
@@ -345,27 +352,28 @@ ObjectRef str_to_objectref(const std::string& text) {
   const ReferenceText<InvalidObjectRefSyntax> reference(text);
   const Variable variable = reference.variable();
   std::vector<IdValueIndices> path = reference.leadingPath(variable);
-  path.push_back(reference.step(variable.id(), variable.tail() ? &variable.tail()->posArgs() : nullptr));
+  const std::optional<Arguments>& tail = reference.tail(variable);
+  path.push_back(reference.step(variable.id(), tail ? &tail->posArgs() : nullptr));
   return {nvf::Expressions1<IdValueIndices>(std::move(path)), std::nullopt, nvf::Range()};
 }
 
 ValueRef str_to_valueref(const std::string& text) {
   const ReferenceText<InvalidValueRefSyntax> reference(text);
   const Variable variable = reference.variable();
+  const nvf::Expressions<IdValueIndices> path(reference.leadingPath(variable));
   std::optional<ValueRefTail> tail;
-  if (const std::optional<Arguments>& arguments = variable.tail()) {
+  if (const std::optional<Arguments>& arguments = reference.tail(variable)) {
     tail = ParenSubs(arguments->posArgs(), arguments->range());
   }
-  return {variable.id(), nvf::Expressions<IdValueIndices>(reference.leadingPath(variable)), tail, std::nullopt,
-          nvf::Range()};
+  return {variable.id(), path, tail, std::nullopt, nvf::Range()};
 }
 
 ValueRef str_to_valueref(const std::string& text, const std::string& tail) {
   const ValueRef reference = str_to_valueref(text);
   if (reference.tail()) refuse<InvalidValueRefSyntax>(checked(text));
   const ReferenceText<InvalidValueRefSyntax> whole(text + "." + tail);
-  if (!nvf::is_identifier(checked(tail))) whole.refuse();
   const Variable original = whole.variable();
+  if (!nvf::is_identifier(checked(tail))) whole.refuse();
   const Ident name(nvf::detail::CxIdCheck()(tail.data(), tail.size()), nvf::Range());
   return {reference.id(), reference.leadingPath(), ValueRefTail(name),
           Variable(original.id(), original.leadingPath(), original.tail(), nvf::Range()), nvf::Range()};

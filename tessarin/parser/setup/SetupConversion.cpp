@@ -30,7 +30,7 @@ template <class Msg>
 
 template <class Msg>
 [[noreturn]] void refuse(const ParseTree& tree) {
-  refuse<Msg>(tree.location());
+  refuse<Msg>(placeOf(tree));
 }
 
 // ---- assignments ----
@@ -64,16 +64,16 @@ SimpleSetupAsgnStmt convertAssignment(const ParseTree& target, const ParseTree& 
 
 /// `x = value` or `[x] = value`, in a statement with its terminator.
 SimpleSetupAsgnStmt convertAssignmentStmt(const ParseTree& stmt) {
-  const ParseTree& assignment = stmt.child(0);
-  const ParseTree& target = assignment.child(0);
-  const ParseTree& value = assignment.child(2);
-  if (!stmt.child(1).isTerminalType(TokenId::SEMI)) refuse<SimpleSetupMissingSemicolonInAssignment>(stmt);
+  const ParseTree& assignment = childOf(stmt, 0);
+  const ParseTree& target = childOf(assignment, 0);
+  const ParseTree& value = childOf(assignment, 2);
+  if (!childOf(stmt, 1).isTerminalType(TokenId::SEMI)) refuse<SimpleSetupMissingSemicolonInAssignment>(stmt);
   if (assignment.code() == K::Assign) return convertAssignment(target, value);
 
-  const ParseTree& row = target.child(1).child(0);
+  const ParseTree& row = childOf(childOf(target, 1), 0);
   if (row.count() > 1) refuse<SimpleSetupWithMultipleLhs>(stmt);
   if (row.count() == 0) refuse<SimpleSetupWithZeroLhs>(stmt);
-  return convertAssignment(row.child(0), value);
+  return convertAssignment(childOf(row, 0), value);
 }
 
 // ---- statements ----
@@ -86,8 +86,8 @@ bool isAssignment(const ParseTree& tree) {
 
 /// Whether it is `name(list)`.
 bool isCall(const ParseTree& tree) {
-  return tree.isNonTerminalType(K::Subsref) && tree.count() == 4 && tree.child(0).isTerminalType(TokenId::ID) &&
-         tree.child(2).isNonTerminalType(K::ExprList);
+  return tree.isNonTerminalType(K::Subsref) && tree.count() == 4 && childOf(tree, 0).isTerminalType(TokenId::ID) &&
+         childOf(tree, 2).isNonTerminalType(K::ExprList);
 }
 
 class Converter {
@@ -113,7 +113,7 @@ private:
     case K::Stmts:
       for (const ParseTree& child : childrenOf(tree)) append(stmts, child);
       break;
-    case K::NonExprStmt: append(stmts, tree.child(0)); break;
+    case K::NonExprStmt: append(stmts, childOf(tree, 0)); break;
     case K::IfStmt: stmts.push_back(nvf::with_stack([&] { return convertIf(tree); })); break;
     case K::ExprStmt: stmts.push_back(convertExprStmt(tree)); break;
     default: refuse<SimpleSetupUnsupportedStatement>(tree);
@@ -125,9 +125,9 @@ private:
   }
 
   SimpleSetupStmt convertExprStmt(const ParseTree& tree) const {
-    const ParseTree& expr = tree.child(0);
-    if (isAssignment(expr)) return convertAssignmentStmt(tree);
-    if (isCall(expr)) return convertCall(expr);
+    const ParseTree& expr = childOf(tree, 0);
+    if (tree.count() == 2 && isAssignment(expr)) return convertAssignmentStmt(tree);
+    if (tree.count() == 2 && isCall(expr)) return convertCall(expr);
     refuse<SimpleSetupUnsupportedStatement>(tree);
   }
 
@@ -138,15 +138,15 @@ private:
       SimpleSetupStmt whenTrue;
     };
     const auto convertLink = [this](const ParseTree& part) {
-      Expr predicate = convertExpr(part.child(1));
-      return Link{std::move(predicate), convertBlock(part.child(2))};
+      Expr predicate = convertExpr(childOf(part, 1));
+      return Link{std::move(predicate), convertBlock(childOf(part, 2))};
     };
     std::vector<Link> chain{convertLink(tree)};
-    for (const ParseTree& part : childrenOf(tree.child(3))) chain.push_back(convertLink(part));
+    for (const ParseTree& part : childrenOf(childOf(tree, 3))) chain.push_back(convertLink(part));
 
-    const ParseTree& otherwise = tree.child(4);
+    const ParseTree& otherwise = childOf(tree, 4);
     SimpleSetupStmt result;
-    if (otherwise.isNonTerminalType(K::Else)) result = convertBlock(otherwise.child(1));
+    if (otherwise.isNonTerminalType(K::Else)) result = convertBlock(childOf(otherwise, 1));
     for (; !chain.empty(); chain.pop_back()) {
       Link& link = chain.back();
       result = SimpleSetupIfStmt(link.predicate, std::move(link.whenTrue), std::move(result));
@@ -156,12 +156,12 @@ private:
 
   SimpleSetupStmt convertCall(const ParseTree& call) const {
     try {
-      const std::optional<SetupDiagnosticFunction> function = diagnostics_(Ident(call.child(0).token()).id());
+      const std::optional<SetupDiagnosticFunction> function = diagnostics_(Ident(childOf(call, 0).token()).id());
       if (!function) refuse<SimpleSetupUnsupportedStatement>(call);
-      const SetupDiagnostic stmt = (*function)(mapChildren(call.child(2), convertArgument), rangeOf(call));
+      const SetupDiagnostic stmt = (*function)(mapChildren(childOf(call, 2), convertArgument), rangeOf(call));
       return std::visit([](const auto& alternative) { return SimpleSetupStmt(alternative); }, stmt);
     } catch (nvf::MessageException& exception) {
-      locate(exception, call.location());
+      locate(exception, placeOf(call));
       throw;
     }
   }
@@ -179,7 +179,7 @@ private:
 SimpleSetupStmt to_simple_setup_stmt(const ParseTree& tree, const SetupDiagnosticLookup& diagnostics) {
   if (tree.isTerminalType(TokenId::EMPTYTOKEN)) return {};
   // The closed function, whose children are the keyword, the outputs, the name, the inputs, a separator, and the body.
-  return Converter(diagnostics).convertBlock(tree.child(0).child(5));
+  return Converter(diagnostics).convertBlock(childOf(childOf(tree, 0), 5));
 }
 
 } // namespace tessarin::compiler::core

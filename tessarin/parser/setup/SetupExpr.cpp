@@ -5,7 +5,6 @@
 #include "tessarin/parser/setup/SetupConversion.hpp"
 
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 namespace tessarin::compiler::core {
@@ -60,7 +59,8 @@ bool isSubsref(const ParseTree& tree) {
 
 /// The subscripts of a `Subsref`: `name ( list )`.
 ParenSubs convertSubscripts(const ParseTree& subsref) {
-  return {mapChildren(subsref.child(2), convertSubscript), rangeOf(subsref.child(1)) + rangeOf(subsref.child(3))};
+  return {mapChildren(childOf(subsref, 2), convertSubscript),
+          rangeOf(childOf(subsref, 1)) + rangeOf(childOf(subsref, 3))};
 }
 
 /// A dotted name, with or without subscripts behind its parts. The node of a long path is a chain to the left, which is
@@ -72,14 +72,14 @@ Variable convertPath(const ParseTree& path) {
     std::optional<ParenSubs> subs;
     if (isSubsref(*rest)) {
       subs = convertSubscripts(*rest);
-      rest = &rest->child(0);
+      rest = &childOf(*rest, 0);
     }
     const bool isDot = rest->isNonTerminalType(K::Dot);
-    const ParseTree& name = isDot ? rest->child(2) : *rest;
+    const ParseTree& name = isDot ? childOf(*rest, 2) : *rest;
     if (!name.isTerminalType(TokenId::ID)) throw Unrecognized();
     steps.emplace_back(Ident(name.token()), subs);
     if (!isDot) break;
-    rest = &rest->child(0);
+    rest = &childOf(*rest, 0);
   }
   std::reverse(steps.begin(), steps.end());
   return idsubspath_to_variable(IdSubsPath(std::move(steps)), rangeOf(path));
@@ -88,18 +88,18 @@ Variable convertPath(const ParseTree& path) {
 /// Whether it is `value(x, 'unit')` or `value(x, 'unit', 'conversion')`, or would be with strings in these places.
 bool isValue(const ParseTree& subsref) {
   if (!isSubsref(subsref)) return false;
-  const ParseTree& name = subsref.child(0);
-  const ParseTree& list = subsref.child(2);
+  const ParseTree& name = childOf(subsref, 0);
+  const ParseTree& list = childOf(subsref, 2);
   return name.type() == 0 && name.token().text().view() == u"value" && list.isNonTerminalType(K::ExprList) &&
          (list.count() == 2 || list.count() == 3);
 }
 
 Expr convertValue(const ParseTree& subsref) {
-  const ParseTree& list = subsref.child(2);
-  const Expr value = convert(list.child(0));
-  const UnitLiteral unit = convertUnit(list.child(1));
+  const ParseTree& list = childOf(subsref, 2);
+  const Expr value = convert(childOf(list, 0));
+  const UnitLiteral unit = convertUnit(childOf(list, 1));
   if (list.count() == 2) return ValueExpr(value, unit, rangeOf(subsref));
-  const Token& conversion = stringToken(list.child(2));
+  const Token& conversion = stringToken(childOf(list, 2));
   return ValueExpr(value, unit, StringLiteral(contentOf(conversion), conversion.range()), rangeOf(subsref));
 }
 
@@ -108,23 +108,23 @@ Expr convertValue(const ParseTree& subsref) {
 Expr convertUnary(const ParseTree& tree) {
   switch (tree.code()) {
   case K::Transpose:
-  case K::DotTranspose: return OpExpr(operatorOf(tree), convert(tree.child(0)), rangeOf(tree));
+  case K::DotTranspose: return OpExpr(operatorOf(tree), convert(childOf(tree, 0)), rangeOf(tree));
   case K::Der: throw Unrecognized(); // an operator of equations only
-  default: return OpExpr(operatorOf(tree), convert(tree.child(1)), rangeOf(tree));
+  default: return OpExpr(operatorOf(tree), convert(childOf(tree, 1)), rangeOf(tree));
   }
 }
 
 Expr convertColon3(const ParseTree& tree) {
-  const Expr first = convert(tree.child(0));
-  const Expr second = convert(tree.child(2));
-  const Expr third = convert(tree.child(4));
+  const Expr first = convert(childOf(tree, 0));
+  const Expr second = convert(childOf(tree, 2));
+  const Expr third = convert(childOf(tree, 4));
   return OpExpr(OpExprType::Colon3, first, second, third, rangeOf(tree));
 }
 
 /// Rows without elements are left out.
 Expr convertMatrix(const ParseTree& tree) {
   std::vector<MatrixExpr::Row> rows;
-  for (const ParseTree& row : childrenOf(tree.child(1))) {
+  for (const ParseTree& row : childrenOf(childOf(tree, 1))) {
     if (row.count() != 0) rows.push_back(mapChildren(row, convert));
   }
   return MatrixExpr(rows, rangeOf(tree));
@@ -133,23 +133,24 @@ Expr convertMatrix(const ParseTree& tree) {
 Expr convertFieldValueArray(const ParseTree& tree) {
   // The place that a pair carries is here its own and not that of its last token: intended.
   const auto convertPair = [](const ParseTree& pair) {
-    return IdentValuePair(Ident(pair.child(0).token()), convert(pair.child(2)), pair.location());
+    return IdentValuePair(Ident(childOf(pair, 0).token()), convert(childOf(pair, 2)), placeOf(pair));
   };
-  return FieldValueArrayExpr(nvf::Expressions<IdentValuePair>(mapChildren(tree.child(0), convertPair)), rangeOf(tree));
+  return FieldValueArrayExpr(nvf::Expressions<IdentValuePair>(mapChildren(childOf(tree, 0), convertPair)),
+                             rangeOf(tree));
 }
 
 Expr convertNonTerminal(const ParseTree& tree) {
   switch (operandCount(tree)) {
   case 1: return convertUnary(tree);
-  case 2: return convertBinary(tree, std::mem_fn(&ParseTree::child), convert);
+  case 2: return convertBinary(tree, convert);
   case 3: return convertColon3(tree);
   default: break;
   }
   switch (tree.code()) {
-  case K::ParenExpr: return convert(tree.child(1));
+  case K::ParenExpr: return convert(childOf(tree, 1));
   case K::Matrix: return convertMatrix(tree);
   case K::FieldValueArray: return convertFieldValueArray(tree);
-  case K::UnitExpression: return UnitExpr(convert(tree.child(0)), convertUnit(tree.child(1)), rangeOf(tree));
+  case K::UnitExpression: return UnitExpr(convert(childOf(tree, 0)), convertUnit(childOf(tree, 1)), rangeOf(tree));
   case K::Dot: return convertPath(tree);
   case K::Subsref: return isValue(tree) ? convertValue(tree) : Expr(convertPath(tree));
   default: throw Unrecognized();
