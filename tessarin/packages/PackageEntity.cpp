@@ -98,12 +98,7 @@ private:
     }
     print(item);
     // In the order of their names, so that the text depends on the contents only.
-    std::vector<const TSNFunction*> functions;
-    functions.reserve(file.localTSNFunctions().size());
-    for (const auto& [name, function] : file.localTSNFunctions()) functions.push_back(&function);
-    std::sort(functions.begin(), functions.end(),
-              [](const TSNFunction* a, const TSNFunction* b) { return a->name() < b->name(); });
-    for (const TSNFunction* function : functions) print(*function);
+    for (const TSNFunction* function : inOrderOfName(file.localTSNFunctions())) print(*function);
   }
   template <class Item>
   void print(const Item& item) {

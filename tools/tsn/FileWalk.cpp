@@ -5,7 +5,6 @@
 #include "tessarin/packages/TSNFunctionFile.hpp"
 #include "tessarin/parser/parse/Parser.hpp"
 
-#include <algorithm>
 #include <type_traits>
 #include <variant>
 
@@ -19,14 +18,6 @@ TSNFile buildFile(const Source& source) {
   // Values are read back as values, so that a printed file prints the same again.
   const ASTBuilder builder(nvf::DefaultValueTokensToValue{});
   return builder.buildTSNFile(Parser(source.buffer()).parse(), FileSource::open);
-}
-
-std::vector<const TSNFunction*> inOrderOfName(const LocalTSNFunctions& functions) {
-  std::vector<const TSNFunction*> result;
-  for (const auto& [name, function] : functions) result.push_back(&function);
-  std::sort(result.begin(), result.end(),
-            [](const TSNFunction* a, const TSNFunction* b) { return a->name() < b->name(); });
-  return result;
 }
 
 namespace {

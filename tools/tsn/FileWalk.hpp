@@ -5,15 +5,10 @@
 
 #include "Source.hpp"
 
-#include <vector>
-
 namespace tessarin::tool {
 
 /// Takes a source through all stages up to the syntax tree. Throws the first fault.
 compiler::core::TSNFile buildFile(const Source& source);
-
-/// The local functions of a file in order of name; they belong to the map.
-std::vector<const compiler::core::TSNFunction*> inOrderOfName(const compiler::core::LocalTSNFunctions& functions);
 
 /// Sees what `walk` comes by.
 class FileVisitor {

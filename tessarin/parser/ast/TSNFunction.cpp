@@ -2,6 +2,8 @@
 
 #include "tessarin/parser/ast/Printer.hpp"
 
+#include <map>
+
 namespace tessarin::compiler::core {
 
 void Printer::print(const TSNFunction& function, std::size_t indent, std::size_t step) {
@@ -22,6 +24,15 @@ void Printer::print(const TSNFunction& function, std::size_t indent, std::size_t
 
 ustring TSNFunction::string(std::size_t indent, std::size_t step) const {
   return textOf(*this, indent, step);
+}
+
+std::vector<const TSNFunction*> inOrderOfName(const LocalTSNFunctions& functions) {
+  std::map<nvf::CxId, const TSNFunction*> byName;
+  for (const auto& [name, function] : functions) byName.emplace(name, &function);
+  std::vector<const TSNFunction*> result;
+  result.reserve(byName.size());
+  for (const auto& [name, function] : byName) result.push_back(function);
+  return result;
 }
 
 } // namespace tessarin::compiler::core

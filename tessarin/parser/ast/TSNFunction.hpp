@@ -5,6 +5,7 @@
 #include "tessarin/parser/ast/FileSource.hpp"
 
 #include <unordered_map>
+#include <vector>
 
 namespace tessarin::compiler::core {
 
@@ -27,6 +28,9 @@ public:
 
 /// The local functions of a file by name.
 using LocalTSNFunctions = std::unordered_map<nvf::CxId, TSNFunction>;
+
+/// The functions in order of the names under which they stand in the map, to which they belong.
+TESSARIN_EXPORT std::vector<const TSNFunction*> inOrderOfName(const LocalTSNFunctions& functions);
 
 } // namespace tessarin::compiler::core
 
