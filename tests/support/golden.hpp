@@ -15,6 +15,7 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <map>
@@ -84,8 +85,10 @@ private:
     }
   }
 
+  /// All at once, since another test may be reading the file.
   void write() const {
-    std::ofstream file(path_);
+    const std::string newPath = path_ + ".new";
+    std::ofstream file(newPath);
     file << head_;
     const char* separator = "";
     for (const GoldenCase& c : cases_) {
@@ -94,7 +97,9 @@ private:
            << c.expected;
       separator = "\n";
     }
-    if (!file) throw std::runtime_error("cannot write " + path_);
+    file.close();
+    if (!file) throw std::runtime_error("cannot write " + newPath);
+    std::filesystem::rename(newPath, path_);
   }
 
   std::string path_;
