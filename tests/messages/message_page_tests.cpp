@@ -124,7 +124,10 @@ Outcome outcomeOfFile(const Sample& sample) {
   std::optional<tool::Source> source;
   const tool::Report report(sample.file, source, false);
   const auto failure = tool::observe(
-      [&](const nvf::Message& message) { outcome.add("warning ", tool::Finding(message), report.warning(message)); },
+      [&](const nvf::Message& message) {
+        const tool::Finding finding(message);
+        outcome.add("warning ", finding, report.warning(finding));
+      },
       [&] {
         source = tool::Source::read(sample.file);
         static_cast<void>(tool::setupFunctionOf(tool::buildFile(*source)));
