@@ -6,6 +6,7 @@ set(package_directory ${CMAKE_INSTALL_LIBDIR}/cmake/Tessarin)
 # The library, its headers, and how CMake and pkg-config find them.
 install(TARGETS tessarin EXPORT TessarinTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  FILE_SET tables DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT TessarinTargets NAMESPACE Tessarin:: DESTINATION ${package_directory})
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/TessarinConfig.cmake.in TessarinConfig.cmake
@@ -30,8 +31,8 @@ install(FILES ${PROJECT_SOURCE_DIR}/tools/tsn/completion/tsn.bash
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME tsn)
 
 # Documents and examples.
-install(FILES README.md docs/architecture.md docs/language.md docs/messages.md LICENSE
-  DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES README.md LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 set(CPACK_GENERATOR DEB)

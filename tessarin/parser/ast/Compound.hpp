@@ -261,3 +261,5 @@ Operations<tessarin::compiler::core::ModechartEqnExpr>::hash(const tessarin::com
 } // namespace nvf
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ModechartEqnExpr);
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::LetExpr);
+
+#include "tessarin/parser/ast/Expr.hpp" // completes what the handles point to
