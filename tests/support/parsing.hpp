@@ -82,11 +82,11 @@ inline std::string describe(const nvf::Message& message, std::size_t firstLine =
 /// that are more than their code.
 inline std::string wordOf(const compiler::core::Token& token) {
   using compiler::core::TokenId;
-  const std::string text = nvf::encode_utf8(token.text().view());
+  std::string text = nvf::encode_utf8(token.text().view());
   switch (token.code()) {
   case TokenId::ID: return text.empty() ? "ID" : text;
-  case TokenId::NUMBER: return text;
-  case TokenId::STRING: return text; // with its quotes
+  case TokenId::NUMBER:
+  case TokenId::STRING: return text; // a string with its quotes
   case TokenId::STRING_LITERAL: return "literal:" + text;
   default: return std::string(TokenId::displayString(token.code()));
   }

@@ -9,7 +9,8 @@ ToStringContext::ToStringContext()
     : unitExprFcn_(makeDefaultUnitExprFcn()), mapIdentifierFcn_(makeDefaultMapIdentifierFcn()) {}
 
 ToStringContext& ToStringContext::unitExprFcn(std::shared_ptr<const UnitExprFcn> function) {
-  unitExprFcn_ = function ? std::move(function) : makeDefaultUnitExprFcn();
+  if (!function) function = makeDefaultUnitExprFcn();
+  unitExprFcn_ = std::move(function);
   return *this;
 }
 ToStringContext& ToStringContext::fvaAsStruct(bool value) noexcept {
@@ -33,7 +34,8 @@ ToStringContext& ToStringContext::indent(Indentation value) noexcept {
   return *this;
 }
 ToStringContext& ToStringContext::mapIdentifierFcn(std::shared_ptr<const MapIdentifierFcn> function) {
-  mapIdentifierFcn_ = function ? std::move(function) : makeDefaultMapIdentifierFcn();
+  if (!function) function = makeDefaultMapIdentifierFcn();
+  mapIdentifierFcn_ = std::move(function);
   return *this;
 }
 ToStringContext& ToStringContext::outputFcn(OutputFcn function) {

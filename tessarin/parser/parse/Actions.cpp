@@ -24,7 +24,7 @@ std::optional<NonTerminal::Value> exponentKind(const ParseTree& tree) {
   return std::nullopt;
 }
 
-ParseTree node(NonTerminal::Value kind, std::vector<ParseTree> children) {
+ParseTree node(NonTerminal::Value kind, const std::vector<ParseTree>& children) {
   return {kind, children};
 }
 

@@ -38,7 +38,7 @@ public:
   }
   /// A node of the kind with these children, and behind them the children of `rest`.
   template <class... Trees>
-  ParseTree withChildrenOf(NonTerminal::Value kind, ParseTree rest, Trees&&... children) {
+  ParseTree withChildrenOf(NonTerminal::Value kind, const ParseTree& rest, Trees&&... children) {
     ParseTree result = state_.trees.node(kind, {&children...});
     for (std::size_t i = 0; i < rest.count(); ++i) state_.trees.extend(result, ParseTree(rest.child(i)));
     return checkDepth(std::move(result));

@@ -6,12 +6,11 @@
 #include "tessarin/parser/parse/ParseTreeBuilder.hpp"
 
 #include <functional>
-#include <utility>
 
 namespace tessarin::compiler::core {
 
 struct ParserState {
-  explicit ParserState(nvf::SourceBuffer buffer) : lexer(std::move(buffer)) {}
+  explicit ParserState(const nvf::SourceBuffer& buffer) : lexer(buffer) {}
 
   ParseTreeBuilder trees;
   ParseTree result; ///< the tree of the file, once a rule has completed it
@@ -24,9 +23,9 @@ struct ParserState {
 
   /// Hands the next token to the parser.
   const Token& nextToken() {
-    Token token = lexer.next();
+    const Token token = lexer.next();
     if (tokenListener) tokenListener(token);
-    return current = std::move(token);
+    return current = token;
   }
 
   /// Where a message about a tree is placed: at its first token, or, where it has none, at the current one.
