@@ -1,6 +1,7 @@
 #include "docs/markdown.hpp"
 
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
 
@@ -30,6 +31,16 @@ std::vector<FencedBlock> fencedBlocks(const std::filesystem::path& file) {
   }
   if (inside) throw std::runtime_error("a block of " + file.string() + " is not closed");
   return blocks;
+}
+
+void rewriteBlock(const std::filesystem::path& file, const FencedBlock& block, const std::string& text) {
+  std::ifstream stream(file);
+  const std::string former(std::istreambuf_iterator<char>(stream), {});
+  // Found by its text, since blocks that were rewritten before have moved the lines.
+  const std::string head = "```" + block.info + '\n';
+  const std::size_t at = former.find(head + block.text + "```\n");
+  if (at == std::string::npos) throw std::runtime_error("a block of " + file.string() + " has changed");
+  std::ofstream(file) << std::string(former).replace(at + head.size(), block.text.size(), text);
 }
 
 std::vector<std::string> linesOf(std::string_view text) {

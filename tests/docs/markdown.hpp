@@ -22,6 +22,9 @@ struct FencedBlock {
 /// its end.
 std::vector<FencedBlock> fencedBlocks(const std::filesystem::path& file);
 
+/// Puts other text between the fences of a block, in the file.
+void rewriteBlock(const std::filesystem::path& file, const FencedBlock& block, const std::string& text);
+
 /// The lines of a text, without their ends.
 std::vector<std::string> linesOf(std::string_view text);
 
