@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tessarin::compiler::core {
@@ -57,7 +58,7 @@ class TESSARIN_EXPORT MatrixExpr : public nvf::TupleWrapper<MatrixExpr*, std::ve
 public:
   using Row = std::vector<Expr>;
 
-  MatrixExpr(const std::vector<Row>& rows, const nvf::Range& range) : TupleWrapper(rows, range) {}
+  MatrixExpr(std::vector<Row> rows, const nvf::Range& range) : TupleWrapper(std::move(rows), range) {}
   [[nodiscard]] const std::vector<Row>& rows() const noexcept { return get<0>(); }
   [[nodiscard]] std::size_t numOfRows() const noexcept;
   /// Throws `std::out_of_range` where there is no such row.

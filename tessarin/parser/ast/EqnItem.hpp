@@ -6,6 +6,7 @@
 
 #include <iosfwd>
 #include <optional>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -38,7 +39,7 @@ class TESSARIN_EXPORT MessageObject
                                std::vector<std::variant<ustring, MemberText, RefText>>> {
 public:
   using Hole = std::variant<ustring, MemberText, RefText>;
-  MessageObject(const nvf::MessageId& id, const std::vector<Hole>& holes) : TupleWrapper(id, holes) {}
+  MessageObject(const nvf::MessageId& id, std::vector<Hole> holes) : TupleWrapper(id, std::move(holes)) {}
   [[nodiscard]] const nvf::MessageId& id() const noexcept { return get<0>(); }
   [[nodiscard]] const std::vector<Hole>& holes() const noexcept { return get<1>(); }
   /// "message".
@@ -113,9 +114,9 @@ class TESSARIN_EXPORT EquationBlock
                                detail::IgnoreValue<nvf::Location>> {
 public:
   EquationBlock() = default;
-  EquationBlock(const std::vector<EqnItem>& items, const nvf::Expressions<IdentValuePair>& attributes,
+  EquationBlock(std::vector<EqnItem> items, const nvf::Expressions<IdentValuePair>& attributes,
                 const nvf::Location& location)
-      : TupleWrapper(items, attributes, location) {}
+      : TupleWrapper(std::move(items), attributes, location) {}
 
   [[nodiscard]] const std::vector<EqnItem>& eqnItems() const noexcept { return get<0>(); }
   [[nodiscard]] const nvf::Expressions<IdentValuePair>& attributes() const noexcept { return get<1>(); }
@@ -158,8 +159,8 @@ public:
 class TESSARIN_EXPORT WhenClause : public nvf::TupleWrapper<WhenClause, WhenBranch, std::vector<ElseWhenBranch>> {
 public:
   WhenClause() = default;
-  WhenClause(const WhenBranch& whenBranch, const std::vector<ElseWhenBranch>& elseWhens)
-      : TupleWrapper(whenBranch, elseWhens) {}
+  WhenClause(const WhenBranch& whenBranch, std::vector<ElseWhenBranch> elseWhens)
+      : TupleWrapper(whenBranch, std::move(elseWhens)) {}
   [[nodiscard]] const WhenBranch& whenBranch() const noexcept { return get<0>(); }
   [[nodiscard]] const std::vector<ElseWhenBranch>& elseWhens() const noexcept { return get<1>(); }
   [[nodiscard]] nvf::Location location() const { return whenBranch().location(); }
@@ -171,7 +172,8 @@ class TESSARIN_EXPORT EventBlock
     : public nvf::TupleWrapper<EventBlock, std::vector<WhenClause>, detail::IgnoreValue<nvf::Location>> {
 public:
   EventBlock() = default;
-  EventBlock(const std::vector<WhenClause>& events, const nvf::Location& location) : TupleWrapper(events, location) {}
+  EventBlock(std::vector<WhenClause> events, const nvf::Location& location)
+      : TupleWrapper(std::move(events), location) {}
   [[nodiscard]] const std::vector<WhenClause>& events() const noexcept { return get<0>(); }
   [[nodiscard]] const nvf::Location& location() const noexcept { return get<1>(); }
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;

@@ -4,6 +4,7 @@
 
 #include "tessarin/parser/ast/EqnItem.hpp"
 
+#include <utility>
 #include <vector>
 
 namespace tessarin::compiler::core {
@@ -22,9 +23,9 @@ public:
 class TESSARIN_EXPORT Mode : public nvf::TupleWrapper<Mode, nvf::Expressions<Ident>, std::vector<EquationBlock>,
                                                       std::vector<EntryBlock>, IgnoredRange> {
 public:
-  Mode(const nvf::Expressions<Ident>& ids, const std::vector<EquationBlock>& equationBlocks,
-       const std::vector<EntryBlock>& entryBlocks, const nvf::Range& range)
-      : TupleWrapper(ids, equationBlocks, entryBlocks, range) {}
+  Mode(const nvf::Expressions<Ident>& ids, std::vector<EquationBlock> equationBlocks,
+       std::vector<EntryBlock> entryBlocks, const nvf::Range& range)
+      : TupleWrapper(ids, std::move(equationBlocks), std::move(entryBlocks), range) {}
   [[nodiscard]] const nvf::Expressions<Ident>& ids() const noexcept { return get<0>(); }
   [[nodiscard]] const std::vector<EquationBlock>& equationBlocks() const noexcept { return get<1>(); }
   [[nodiscard]] const std::vector<EntryBlock>& entryBlocks() const noexcept { return get<2>(); }
@@ -34,7 +35,7 @@ public:
 /// A `modes` section.
 class TESSARIN_EXPORT ModesSection : public nvf::TupleWrapper<ModesSection, std::vector<Mode>> {
 public:
-  explicit ModesSection(const std::vector<Mode>& modes) : TupleWrapper(modes) {}
+  explicit ModesSection(std::vector<Mode> modes) : TupleWrapper(std::move(modes)) {}
   [[nodiscard]] const std::vector<Mode>& modes() const noexcept { return get<0>(); }
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
 };
@@ -52,7 +53,7 @@ public:
 /// A `transitions` section.
 class TESSARIN_EXPORT TransitionsSection : public nvf::TupleWrapper<TransitionsSection, std::vector<Transition>> {
 public:
-  explicit TransitionsSection(const std::vector<Transition>& transitions) : TupleWrapper(transitions) {}
+  explicit TransitionsSection(std::vector<Transition> transitions) : TupleWrapper(std::move(transitions)) {}
   [[nodiscard]] const std::vector<Transition>& transitions() const noexcept { return get<0>(); }
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
 };
@@ -69,7 +70,7 @@ public:
 /// An `initial` section.
 class TESSARIN_EXPORT InitialSection : public nvf::TupleWrapper<InitialSection, std::vector<InitialMode>> {
 public:
-  explicit InitialSection(const std::vector<InitialMode>& initialModes) : TupleWrapper(initialModes) {}
+  explicit InitialSection(std::vector<InitialMode> initialModes) : TupleWrapper(std::move(initialModes)) {}
   [[nodiscard]] const std::vector<InitialMode>& initialModes() const noexcept { return get<0>(); }
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
 };
@@ -79,9 +80,9 @@ class TESSARIN_EXPORT Modechart
     : public nvf::TupleWrapper<Modechart, std::vector<ModesSection>, std::vector<TransitionsSection>,
                                std::vector<InitialSection>, IgnoredRange> {
 public:
-  Modechart(const std::vector<ModesSection>& modesSections, const std::vector<TransitionsSection>& transitionsSections,
-            const std::vector<InitialSection>& initialSections, const nvf::Range& range)
-      : TupleWrapper(modesSections, transitionsSections, initialSections, range) {}
+  Modechart(std::vector<ModesSection> modesSections, std::vector<TransitionsSection> transitionsSections,
+            std::vector<InitialSection> initialSections, const nvf::Range& range)
+      : TupleWrapper(std::move(modesSections), std::move(transitionsSections), std::move(initialSections), range) {}
   [[nodiscard]] const std::vector<ModesSection>& modesSections() const noexcept { return get<0>(); }
   [[nodiscard]] const std::vector<TransitionsSection>& transitionsSections() const noexcept { return get<1>(); }
   [[nodiscard]] const std::vector<InitialSection>& initialSections() const noexcept { return get<2>(); }
@@ -102,9 +103,9 @@ class TESSARIN_EXPORT ModechartBlock
     : public nvf::TupleWrapper<ModechartBlock, nvf::Expressions<IdentValuePair>, std::vector<ModechartDeclaration>,
                                detail::IgnoreValue<nvf::Location>> {
 public:
-  ModechartBlock(const nvf::Expressions<IdentValuePair>& attributes,
-                 const std::vector<ModechartDeclaration>& declarations, const nvf::Location& location)
-      : TupleWrapper(attributes, declarations, location) {}
+  ModechartBlock(const nvf::Expressions<IdentValuePair>& attributes, std::vector<ModechartDeclaration> declarations,
+                 const nvf::Location& location)
+      : TupleWrapper(attributes, std::move(declarations), location) {}
   [[nodiscard]] const nvf::Expressions<IdentValuePair>& attributes() const noexcept { return get<0>(); }
   [[nodiscard]] const std::vector<ModechartDeclaration>& declarations() const noexcept { return get<1>(); }
   /// The place of the keyword.

@@ -9,6 +9,7 @@
 #include "tessarin/parser/ast/Subscript.hpp"
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace tessarin::compiler::core {
@@ -82,9 +83,9 @@ class TESSARIN_EXPORT FullPathVariable
 public:
   using Path = nvf::Expressions1<UniquePathElement>;
 
-  FullPathVariable(const std::vector<Path>& paths, const std::optional<ParenSubs>& subs,
+  FullPathVariable(std::vector<Path> paths, const std::optional<ParenSubs>& subs,
                    const std::optional<Variable>& originalVariable, const nvf::Range& range)
-      : TupleWrapper(paths, subs, originalVariable, range) {}
+      : TupleWrapper(std::move(paths), subs, originalVariable, range) {}
   FullPathVariable(const Path& path, const std::optional<ParenSubs>& subs,
                    const std::optional<Variable>& originalVariable, const nvf::Range& range)
       : FullPathVariable(std::vector<Path>{path}, subs, originalVariable, range) {}

@@ -2,6 +2,8 @@
 
 #include "tessarin/parser/ast/Printer.hpp"
 
+#include <utility>
+
 namespace tessarin::compiler::core {
 
 // ---- construction ----
@@ -16,23 +18,28 @@ ElseSection::ElseSection() : ElseSection(DeclarativeSections()) {}
 ElseSection::ElseSection(const DeclarativeSections& declarations) : TupleWrapper(declarations) {}
 
 SemanticSections::SemanticSections() = default;
-SemanticSections::SemanticSections(
-    const std::vector<DeclarationBlock>& declarationBlocks, const std::vector<BranchBlock>& branchBlocks,
-    const std::vector<ConnectionBlock>& connectionBlocks, const std::vector<EquationBlock>& equationBlocks,
-    const std::vector<EventBlock>& eventBlocks, const std::vector<ModechartBlock>& modechartBlocks,
-    const std::vector<ConditionalSection>& conditionalSections, const std::vector<ForLoop>& forLoops)
-    : TupleWrapper(declarationBlocks, branchBlocks, connectionBlocks, equationBlocks, eventBlocks, modechartBlocks,
-                   conditionalSections, forLoops) {}
+SemanticSections::SemanticSections(std::vector<DeclarationBlock> declarationBlocks,
+                                   std::vector<BranchBlock> branchBlocks, std::vector<ConnectionBlock> connectionBlocks,
+                                   std::vector<EquationBlock> equationBlocks, std::vector<EventBlock> eventBlocks,
+                                   std::vector<ModechartBlock> modechartBlocks,
+                                   std::vector<ConditionalSection> conditionalSections, std::vector<ForLoop> forLoops)
+    : TupleWrapper(std::move(declarationBlocks), std::move(branchBlocks), std::move(connectionBlocks),
+                   std::move(equationBlocks), std::move(eventBlocks), std::move(modechartBlocks),
+                   std::move(conditionalSections), std::move(forLoops)) {}
 
-DeclarativeSections::DeclarativeSections(
-    const std::vector<DeclarationBlock>& declarationBlocks, const std::vector<BranchBlock>& branchBlocks,
-    const std::vector<ConnectionBlock>& connectionBlocks, const std::vector<EquationBlock>& equationBlocks,
-    const std::vector<EventBlock>& eventBlocks, const std::vector<ModechartBlock>& modechartBlocks,
-    const std::vector<AnnotationsBlock>& annotationsBlocks, const std::vector<ConditionalSection>& conditionalSections,
-    const std::vector<ForLoop>& forLoops)
-    : DeclarativeSections(SemanticSections(declarationBlocks, branchBlocks, connectionBlocks, equationBlocks,
-                                           eventBlocks, modechartBlocks, conditionalSections, forLoops),
-                          annotationsBlocks) {}
+DeclarativeSections::DeclarativeSections(std::vector<DeclarationBlock> declarationBlocks,
+                                         std::vector<BranchBlock> branchBlocks,
+                                         std::vector<ConnectionBlock> connectionBlocks,
+                                         std::vector<EquationBlock> equationBlocks, std::vector<EventBlock> eventBlocks,
+                                         std::vector<ModechartBlock> modechartBlocks,
+                                         std::vector<AnnotationsBlock> annotationsBlocks,
+                                         std::vector<ConditionalSection> conditionalSections,
+                                         std::vector<ForLoop> forLoops)
+    : DeclarativeSections(SemanticSections(std::move(declarationBlocks), std::move(branchBlocks),
+                                           std::move(connectionBlocks), std::move(equationBlocks),
+                                           std::move(eventBlocks), std::move(modechartBlocks),
+                                           std::move(conditionalSections), std::move(forLoops)),
+                          std::move(annotationsBlocks)) {}
 
 // ---- printing ----
 

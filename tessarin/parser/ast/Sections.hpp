@@ -11,6 +11,7 @@
 #include "tessarin/parser/ast/Modechart.hpp"
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace tessarin::compiler::core {
@@ -52,9 +53,9 @@ class TESSARIN_EXPORT ConditionalSection
     : public nvf::TupleWrapper<ConditionalSection, IfSection, std::vector<ElseifSection>, std::optional<ElseSection>> {
 public:
   ConditionalSection() = default;
-  ConditionalSection(const IfSection& ifSection, const std::vector<ElseifSection>& elseifSections,
+  ConditionalSection(const IfSection& ifSection, std::vector<ElseifSection> elseifSections,
                      const std::optional<ElseSection>& elseSection)
-      : TupleWrapper(ifSection, elseifSections, elseSection) {}
+      : TupleWrapper(ifSection, std::move(elseifSections), elseSection) {}
   [[nodiscard]] const IfSection& ifSection() const noexcept { return get<0>(); }
   [[nodiscard]] const std::vector<ElseifSection>& elseifSections() const noexcept { return get<1>(); }
   [[nodiscard]] std::optional<ElseSection> elseSection() const { return get<2>(); }
@@ -73,11 +74,10 @@ public:
 
   /// No blocks.
   SemanticSections();
-  SemanticSections(const std::vector<DeclarationBlock>& declarationBlocks, const std::vector<BranchBlock>& branchBlocks,
-                   const std::vector<ConnectionBlock>& connectionBlocks,
-                   const std::vector<EquationBlock>& equationBlocks, const std::vector<EventBlock>& eventBlocks,
-                   const std::vector<ModechartBlock>& modechartBlocks,
-                   const std::vector<ConditionalSection>& conditionalSections, const std::vector<ForLoop>& forLoops);
+  SemanticSections(std::vector<DeclarationBlock> declarationBlocks, std::vector<BranchBlock> branchBlocks,
+                   std::vector<ConnectionBlock> connectionBlocks, std::vector<EquationBlock> equationBlocks,
+                   std::vector<EventBlock> eventBlocks, std::vector<ModechartBlock> modechartBlocks,
+                   std::vector<ConditionalSection> conditionalSections, std::vector<ForLoop> forLoops);
 
   [[nodiscard]] const std::vector<DeclarationBlock>& declarationBlocks() const noexcept { return get<0>(); }
   [[nodiscard]] const std::vector<BranchBlock>& branchBlocks() const noexcept { return get<1>(); }
@@ -107,15 +107,13 @@ class TESSARIN_EXPORT DeclarativeSections
 public:
   /// No blocks.
   DeclarativeSections() = default;
-  DeclarativeSections(const std::vector<DeclarationBlock>& declarationBlocks,
-                      const std::vector<BranchBlock>& branchBlocks,
-                      const std::vector<ConnectionBlock>& connectionBlocks,
-                      const std::vector<EquationBlock>& equationBlocks, const std::vector<EventBlock>& eventBlocks,
-                      const std::vector<ModechartBlock>& modechartBlocks,
-                      const std::vector<AnnotationsBlock>& annotationsBlocks,
-                      const std::vector<ConditionalSection>& conditionalSections, const std::vector<ForLoop>& forLoops);
-  DeclarativeSections(const SemanticSections& semanticSections, const std::vector<AnnotationsBlock>& annotationsBlocks)
-      : TupleWrapper(semanticSections, annotationsBlocks) {}
+  DeclarativeSections(std::vector<DeclarationBlock> declarationBlocks, std::vector<BranchBlock> branchBlocks,
+                      std::vector<ConnectionBlock> connectionBlocks, std::vector<EquationBlock> equationBlocks,
+                      std::vector<EventBlock> eventBlocks, std::vector<ModechartBlock> modechartBlocks,
+                      std::vector<AnnotationsBlock> annotationsBlocks,
+                      std::vector<ConditionalSection> conditionalSections, std::vector<ForLoop> forLoops);
+  DeclarativeSections(const SemanticSections& semanticSections, std::vector<AnnotationsBlock> annotationsBlocks)
+      : TupleWrapper(semanticSections, std::move(annotationsBlocks)) {}
 
   [[nodiscard]] const SemanticSections& semanticSections() const noexcept { return get<0>(); }
   [[nodiscard]] const std::vector<AnnotationsBlock>& annotationsBlocks() const noexcept { return get<1>(); }

@@ -6,6 +6,7 @@
 #include <iosfwd>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace tessarin::compiler::core {
@@ -55,7 +56,7 @@ private:
 class TESSARIN_EXPORT ParenSubs : public nvf::TupleWrapper<ParenSubs*, std::vector<Subscript>, IgnoredRange> {
 public:
   ParenSubs() = default;
-  ParenSubs(const std::vector<Subscript>& subs, const nvf::Range& range) : TupleWrapper(subs, range) {}
+  ParenSubs(std::vector<Subscript> subs, const nvf::Range& range) : TupleWrapper(std::move(subs), range) {}
   [[nodiscard]] const std::vector<Subscript>& subs() const noexcept { return get<0>(); }
   [[nodiscard]] ustring string(const ToStringContext& context) const;
 };
@@ -90,8 +91,8 @@ class TESSARIN_EXPORT Arguments
     : public nvf::TupleWrapper<Arguments*, std::vector<Subscript>, std::vector<NamedArgument>, IgnoredRange> {
 public:
   Arguments() = default;
-  Arguments(const std::vector<Subscript>& positional, const std::vector<NamedArgument>& named, const nvf::Range& range)
-      : TupleWrapper(positional, named, range) {}
+  Arguments(std::vector<Subscript> positional, std::vector<NamedArgument> named, const nvf::Range& range)
+      : TupleWrapper(std::move(positional), std::move(named), range) {}
   [[nodiscard]] const std::vector<Subscript>& posArgs() const noexcept { return get<0>(); }
   [[nodiscard]] const std::vector<NamedArgument>& namedArgs() const noexcept { return get<1>(); }
   [[nodiscard]] ustring string(const ToStringContext& context) const;

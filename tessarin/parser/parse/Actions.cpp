@@ -123,7 +123,7 @@ ParseTree Actions::closeFunction(ParseTree& function, ParseTree& end) {
   std::vector<ParseTree> children;
   for (std::size_t i = 0; i < function.count(); ++i) children.push_back(function.child(i));
   children.push_back(end);
-  return (*this)(K::NonExprStmt, checkDepth(node(K::ClosedFcnDef, std::move(children))));
+  return (*this)(K::NonExprStmt, checkDepth(node(K::ClosedFcnDef, children)));
 }
 
 void Actions::checkInFunction(const ParseTree& statement) {
