@@ -54,8 +54,10 @@ private:
 
 } // namespace nvf
 
+/// @cond
 template <class T>
 requires std::derived_from<T, nvf::CheckedText<T>>
 struct std::hash<T> {
   std::size_t operator()(const T& t) const noexcept { return hash_value(t); }
 };
+/// @endcond

@@ -92,7 +92,9 @@ static_assert(sizeof(BasicTableString<char16_t>) == sizeof(void*));
 
 } // namespace nvf
 
+/// @cond
 template <class CharT>
 struct std::hash<nvf::BasicTableString<CharT>> {
   std::size_t operator()(const nvf::BasicTableString<CharT>& s) const noexcept { return s.hash(); }
 };
+/// @endcond
