@@ -1,7 +1,7 @@
 // Lists the states of models: what the equations take derivatives of, each with its first place.
-#include <tessarin/parser/ast/Usage.hpp>
-#include <tessarin/parser/builder/ASTBuilder.hpp>
-#include <tessarin/parser/parse/Parser.hpp>
+#include "tessarin/parser/ast/Usage.hpp"
+#include "tessarin/parser/builder/ASTBuilder.hpp"
+#include "tessarin/parser/parse/Parser.hpp"
 
 #include <exception>
 #include <fstream>
