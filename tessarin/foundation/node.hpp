@@ -151,6 +151,7 @@ auto withBoth(const Variant& a, const Variant& b, Function function) {
                     a);
 }
 
+/// The hash of a field; 0 for what does not count.
 template <class T>
 std::size_t hashOf(const T& field) {
   if constexpr (detail::Scalar<T>) {
@@ -240,6 +241,7 @@ Ordering orderOf(const T& a, const T& b) {
 /// `Loose` walks everything.
 enum class Walk { Strict, Loose };
 
+/// Whether two values of one sort are equal.
 template <Walk walk, class T>
 bool areEqual(const T& a, const T& b) {
   constexpr auto equal = [](const auto& left, const auto& right) { return areEqual<walk>(left, right); };
@@ -286,6 +288,7 @@ void strip(T& field) {
   }
 }
 
+/// Shows a field to a sink: scalars and texts as values, sequences and maps as lists, classes as nodes.
 template <class T>
 void show(DumpSink& sink, const T& field) {
   if constexpr (std::same_as<T, bool>) {

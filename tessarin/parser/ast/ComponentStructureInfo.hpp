@@ -10,6 +10,8 @@
 
 namespace tessarin::compiler::core {
 
+/// What a component is made of, without its equations: imports, declarations, connections and branches, in the order of
+/// the source. See `ASTBuilder::extractStructureInfo`.
 class ComponentStructureInfo {
 public:
   ComponentStructureInfo(std::vector<ImportStmt> importStmts, std::vector<DeclarationBlock> declarationBlocks,

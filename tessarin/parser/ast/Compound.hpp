@@ -50,6 +50,7 @@ public:
       : TupleWrapper(expr, unit, conversion, range) {}
   [[nodiscard]] const Expr& expr() const noexcept { return get<0>().get(); }
   [[nodiscard]] const UnitLiteral& unit() const noexcept { return get<1>(); }
+  /// The third argument, such as `'relative'`.
   [[nodiscard]] const std::optional<StringLiteral>& conversion() const noexcept { return get<2>(); }
 };
 
@@ -61,7 +62,7 @@ public:
   MatrixExpr(std::vector<Row> rows, const nvf::Range& range) : TupleWrapper(std::move(rows), range) {}
   [[nodiscard]] const std::vector<Row>& rows() const noexcept { return get<0>(); }
   [[nodiscard]] std::size_t numOfRows() const noexcept;
-  /// Throws `std::out_of_range` where there is no such row.
+  /// The row and the element at a position from 0; throws `std::out_of_range` where there is none.
   [[nodiscard]] const Row& row(std::size_t row) const;
   [[nodiscard]] const Expr& element(std::size_t row, std::size_t column) const;
 };
@@ -90,6 +91,7 @@ public:
       : TupleWrapper(pairs, range) {}
   [[nodiscard]] const nvf::Expressions<IdentValuePair>& pairList() const noexcept { return get<0>(); }
   [[nodiscard]] std::size_t numPairs() const noexcept { return pairList().size(); }
+  /// The `i`-th pair, from 0; `i` is not checked.
   [[nodiscard]] const IdentValuePair& pair(std::size_t i) const { return pairList()[i]; }
 };
 
@@ -131,7 +133,9 @@ public:
   MRVIndex(const Expr& expr, const std::size_t& rvIndex, const std::size_t& numRvs, const nvf::Range& range)
       : TupleWrapper(expr, rvIndex, numRvs, range) {}
   [[nodiscard]] const Expr& expr() const noexcept { return get<0>().get(); }
+  /// Which result it is.
   [[nodiscard]] std::size_t rvIndex() const noexcept { return get<1>(); }
+  /// How many results the call gives.
   [[nodiscard]] std::size_t numRvs() const noexcept { return get<2>(); }
   /// "internal_mrv_index__".
   static const nvf::CxId& ctor();
@@ -142,6 +146,7 @@ class TESSARIN_EXPORT TransitionExpr : public nvf::TupleWrapper<TransitionExpr, 
 public:
   TransitionExpr(const Expr& expr, const Expr& preCondition) : TupleWrapper(expr, preCondition) {}
   [[nodiscard]] const Expr& expr() const noexcept { return get<0>().get(); }
+  /// What must hold for the expression to hold.
   [[nodiscard]] const Expr& preCondition() const noexcept { return get<1>().get(); }
   [[nodiscard]] nvf::Range range() const;
   /// "internal_transition_expr__".
@@ -175,7 +180,9 @@ public:
   [[nodiscard]] const Expr& condition() const noexcept { return get<0>().get(); }
   [[nodiscard]] const std::vector<EqnItemHandle>& eqnItems() const noexcept { return get<1>(); }
   [[nodiscard]] std::size_t numOfEqnItems() const noexcept { return eqnItems().size(); }
+  /// The `i`-th item, from 0; throws `std::out_of_range` where there is none.
   [[nodiscard]] const EqnItem& eqnItem(std::size_t i) const;
+  // The items that are expressions, and those that are assertions, each in their order.
   [[nodiscard]] std::size_t numOfEqnExprs() const;
   [[nodiscard]] std::size_t numOfEqnAssertions() const;
   [[nodiscard]] std::vector<Expr> eqnExprs() const;

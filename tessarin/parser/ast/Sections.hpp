@@ -32,11 +32,14 @@ public:
 /// `elseif predicate` with its sections.
 class TESSARIN_EXPORT ElseifSection : public nvf::TupleWrapper<ElseifSection, Expr, nvf::Handle<DeclarativeSections>> {
 public:
+  /// As of an `IfSection`.
+  /// @{
   ElseifSection();
   ElseifSection(const Expr& predicate, const DeclarativeSections& declarations);
   [[nodiscard]] const Expr& predicate() const noexcept { return get<0>(); }
   [[nodiscard]] const DeclarativeSections& declarations() const noexcept;
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 /// `else` with its sections.

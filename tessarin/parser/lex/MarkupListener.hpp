@@ -9,6 +9,7 @@
 
 namespace tessarin::compiler::core {
 
+/// Sees the white space and the comments that a lexer drops, in the order of the text.
 class TESSARIN_EXPORT MarkupListener {
 public:
   MarkupListener() = default;

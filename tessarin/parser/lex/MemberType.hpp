@@ -5,6 +5,7 @@
 
 namespace tessarin::compiler::core {
 
+/// Scopes the kinds of members that a block declares. The table is member_types.def.
 struct MemberType {
   enum Value : std::int32_t {
     NONE = -1,

@@ -7,6 +7,7 @@
 
 namespace tessarin::compiler::core {
 
+/// Scopes the sorts of models.
 struct ModelType {
   enum Value : std::int32_t { NONE = -1, COMPONENT = 0, DDOMAIN = 1 };
 

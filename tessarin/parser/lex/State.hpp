@@ -36,6 +36,7 @@ enum class ListState : std::uint8_t {
   V_LS   ///< variables
 };
 
+/// What the scanner knows at the start of a line, besides the text: with it a line is scanned as it is in its file.
 struct TESSARIN_EXPORT State {
   enum Flag : std::uint8_t {
     afterAtParen = 1U << 0U, ///< a parenthesis has been opened right behind "@"

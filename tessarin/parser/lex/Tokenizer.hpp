@@ -19,6 +19,8 @@
 
 namespace tessarin::compiler::core {
 
+/// The scanner: cuts a text into lexical units, blanks and comments included, so that their lengths add up to the text.
+/// Used by one thread at a time.
 class TESSARIN_EXPORT Tokenizer {
 public:
   /// The tokens that one step of scanning gives at the most.
