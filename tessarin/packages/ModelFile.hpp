@@ -13,6 +13,7 @@ namespace tessarin::compiler::core {
 /// A model with the imports and the local functions of its file.
 class TESSARIN_EXPORT ModelFile final : public PackageEntityShim<ModelFile> {
 public:
+  /// Copies what it is given; nothing is checked.
   ModelFile(const Model& model, const std::vector<ImportStmt>& importStmts, const LocalTSNFunctions& localTSNFunctions)
       : model_(model), importStmts_(importStmts), localTSNFunctions_(localTSNFunctions) {}
   ModelFile(const ModelFile&) = default;
@@ -23,9 +24,15 @@ public:
 
   /// The name of the model with ".tsn" behind it.
   [[nodiscard]] ustring name() const override;
+
+  /// What the file holds: its model, the imports in the order of the text, and the local functions in order of name.
+  /// @{
   [[nodiscard]] const Model& model() const noexcept { return model_; }
   [[nodiscard]] const std::vector<ImportStmt>& importStmts() const noexcept { return importStmts_; }
   [[nodiscard]] const LocalTSNFunctions& localTSNFunctions() const noexcept { return localTSNFunctions_; }
+  /// @}
+
+  /// Whether all three are equal by `==`.
   [[nodiscard]] bool localIsEquivalent(const ModelFile& other) const;
 
 private:

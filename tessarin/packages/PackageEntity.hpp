@@ -24,9 +24,12 @@ public:
   ASTVisitor& operator=(ASTVisitor&&) noexcept = default;
   virtual ~ASTVisitor() = default;
 
+  /// What is done with a class, called by its `accept`. That for a directory decides itself whether to go further down.
+  /// @{
   virtual Result visit(const Directory& directory) = 0;
   virtual Result visit(const ModelFile& file) = 0;
   virtual Result visit(const TSNFunctionFile& file) = 0;
+  /// @}
 };
 
 /// A directory or a file. Entities are not changed once they are made: several threads may read one.
@@ -61,13 +64,16 @@ TESSARIN_EXPORT ustring textOf(const PackageEntity& entity, std::size_t indent, 
 template <class T>
 class PackageEntityShim : public PackageEntity {
 public:
+  /// The text that a `TsnFilePrinter` writes.
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const final {
     return detail::textOf(*this, indent, step);
   }
+  /// By the class of the other, then by `localIsEquivalent`.
   [[nodiscard]] bool isEquivalent(const PackageEntity& other) const final {
     const auto* same = dynamic_cast<const T*>(&other);
     return same != nullptr && static_cast<const T&>(*this).localIsEquivalent(*same);
   }
+  /// Calls `visit` for a `T`.
   void accept(ASTVisitor<void>& visitor) const final { visitor.visit(static_cast<const T&>(*this)); }
 };
 

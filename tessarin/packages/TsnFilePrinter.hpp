@@ -26,8 +26,12 @@ public:
 
   /// Makes the directory and writes what is in it. One without a name writes into the current directory.
   void visit(const Directory& directory) override;
+
+  /// Writes the text of the file, which is `string(0, 2)`, under its name into the current directory.
+  /// @{
   void visit(const ModelFile& file) override;
   void visit(const TSNFunctionFile& file) override;
+  /// @}
 
 private:
   [[nodiscard]] std::filesystem::path pathOf(const PackageEntity& entity) const;

@@ -18,6 +18,9 @@ public:
   ExprTransformVisitor& operator=(const ExprTransformVisitor&) = default;
   virtual ~ExprTransformVisitor();
 
+  /// What an expression of the kind becomes: by default one of the same kind, made of what `process` gives for the
+  /// parts.
+  /// @{
   virtual Expr operator()(const Time& time);
   virtual Expr operator()(const EndIndex& end);
   virtual Expr operator()(const NumberLiteral& number);
@@ -42,12 +45,18 @@ public:
   virtual Expr operator()(const FieldValueArrayExpr& array);
   virtual Expr operator()(const LetExpr& expr);
   virtual Expr operator()(const MRVIndex& index);
+  /// @}
+
+  /// What a part becomes. The recursion of all the above goes through these; that for `Expr` calls the operator for the
+  /// kind that it holds.
+  /// @{
   virtual Expr process(const Expr& expr);
   virtual Arguments process(const Arguments& arguments);
   virtual ParenSubs process(const ParenSubs& subs);
   virtual ValueRefTail process(const ValueRefTail& tail);
   virtual EqnItem process(const EqnItem& item);
   virtual IfExpr processIfExpr(const IfExpr& expr);
+  /// @}
 
   /// The `let` scopes around the node being visited.
   [[nodiscard]] LetDeclNameStack letStack() const { return letStack_; }

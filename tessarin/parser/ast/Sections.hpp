@@ -23,10 +23,15 @@ class TESSARIN_EXPORT IfSection : public nvf::TupleWrapper<IfSection, Expr, nvf:
 public:
   /// A default expression, and no sections.
   IfSection();
+
+  /// The predicate and the sections that it governs, as they were given. The text is the line of the keyword behind
+  /// `indent` blanks and the sections `step` further in; every line is ended.
+  /// @{
   IfSection(const Expr& predicate, const DeclarativeSections& declarations);
   [[nodiscard]] const Expr& predicate() const noexcept { return get<0>(); }
   [[nodiscard]] const DeclarativeSections& declarations() const noexcept;
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 /// `elseif predicate` with its sections.
@@ -45,10 +50,13 @@ public:
 /// `else` with its sections.
 class TESSARIN_EXPORT ElseSection : public nvf::TupleWrapper<ElseSection, nvf::Handle<DeclarativeSections>> {
 public:
+  /// As of an `IfSection`, without a predicate.
+  /// @{
   ElseSection();
   explicit ElseSection(const DeclarativeSections& declarations);
   [[nodiscard]] const DeclarativeSections& declarations() const noexcept;
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 /// A conditional section of a model.
@@ -56,6 +64,10 @@ class TESSARIN_EXPORT ConditionalSection
     : public nvf::TupleWrapper<ConditionalSection, IfSection, std::vector<ElseifSection>, std::optional<ElseSection>> {
 public:
   ConditionalSection() = default;
+
+  /// The branches in the order of the source. The text is that of each branch and the closing `end`, whose line is not
+  /// ended.
+  /// @{
   ConditionalSection(const IfSection& ifSection, std::vector<ElseifSection> elseifSections,
                      const std::optional<ElseSection>& elseSection)
       : TupleWrapper(ifSection, std::move(elseifSections), elseSection) {}
@@ -63,6 +75,7 @@ public:
   [[nodiscard]] const std::vector<ElseifSection>& elseifSections() const noexcept { return get<1>(); }
   [[nodiscard]] std::optional<ElseSection> elseSection() const { return get<2>(); }
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 class ForLoop;
@@ -73,10 +86,13 @@ class TESSARIN_EXPORT SemanticSections
                                std::vector<ConnectionBlock>, std::vector<EquationBlock>, std::vector<EventBlock>,
                                std::vector<ModechartBlock>, std::vector<ConditionalSection>, std::vector<ForLoop>> {
 public:
-  static constexpr bool nests = true; // conditions and loops hold sections again
+  static constexpr bool nests = true; ///< Conditions and loops hold sections again.
 
   /// No blocks.
   SemanticSections();
+
+  /// The blocks of each kind, in the order of the source.
+  /// @{
   SemanticSections(std::vector<DeclarationBlock> declarationBlocks, std::vector<BranchBlock> branchBlocks,
                    std::vector<ConnectionBlock> connectionBlocks, std::vector<EquationBlock> equationBlocks,
                    std::vector<EventBlock> eventBlocks, std::vector<ModechartBlock> modechartBlocks,
@@ -90,17 +106,24 @@ public:
   [[nodiscard]] const std::vector<ModechartBlock>& modechartBlocks() const noexcept { return get<5>(); }
   [[nodiscard]] const std::vector<ConditionalSection>& conditionalSections() const noexcept { return get<6>(); }
   [[nodiscard]] const std::vector<ForLoop>& forLoops() const noexcept { return get<7>(); }
-  /// Each block on lines of its own, all at one indent; the kinds in the order of the fields.
+  /// @}
+
+  /// Each block on lines of its own, which are ended, behind `indent` blanks; the kinds in the order of the fields.
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
 };
 
 /// `for i = range` with its sections, which have no annotations.
 class TESSARIN_EXPORT ForLoop : public nvf::TupleWrapper<ForLoop*, IdentValuePair, SemanticSections> {
 public:
+  /// What the loop runs over and what it repeats, as they were given.
+  /// @{
   ForLoop(const IdentValuePair& idValuePair, const SemanticSections& body) : TupleWrapper(idValuePair, body) {}
   /// The variable of the loop and what it runs over.
   [[nodiscard]] const IdentValuePair& idValuePair() const noexcept { return get<0>(); }
   [[nodiscard]] const SemanticSections& body() const noexcept { return get<1>(); }
+  /// @}
+
+  /// The loop and its closing `end`, whose line is not ended; the body `step` further in.
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
 };
 
@@ -110,6 +133,9 @@ class TESSARIN_EXPORT DeclarativeSections
 public:
   /// No blocks.
   DeclarativeSections() = default;
+
+  /// The blocks of each kind, in the order of the source; those without annotations are the `semanticSections()`.
+  /// @{
   DeclarativeSections(std::vector<DeclarationBlock> declarationBlocks, std::vector<BranchBlock> branchBlocks,
                       std::vector<ConnectionBlock> connectionBlocks, std::vector<EquationBlock> equationBlocks,
                       std::vector<EventBlock> eventBlocks, std::vector<ModechartBlock> modechartBlocks,
@@ -139,7 +165,9 @@ public:
   [[nodiscard]] const std::vector<ConditionalSection>& conditionalSections() const noexcept {
     return semanticSections().conditionalSections();
   }
-  /// The semantic sections, then the annotations.
+  /// @}
+
+  /// The semantic sections, then the annotations; every line is ended.
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
 };
 

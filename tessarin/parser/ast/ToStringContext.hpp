@@ -24,46 +24,74 @@ class ToStringContext;
 
 /// Blanks for each step of the indent.
 struct Increment {
-  std::size_t value;
+  std::size_t value; ///< Their number.
 };
 /// Blanks at the head of a line.
 struct Indentation {
-  std::size_t value;
+  std::size_t value; ///< Their number.
 };
 
 /// The context of printing; a value, copied freely. Each field has a getter and a setter of the same name.
 class TESSARIN_EXPORT ToStringContext {
 public:
+  /// Gives the text of an expression with a unit.
   using UnitExprFcn = std::function<ustring(const UnitExpr&, const ToStringContext&)>;
+  /// Gives the path that is printed for the first name of a reference.
   using MapIdentifierFcn = std::function<nvf::CxIdPath(const nvf::CxId&)>;
+  /// Gives the text of an expression, or nothing where it is printed as usual.
   using OutputFcn = std::function<std::optional<ustring>(const Expr&, const ToStringContext&)>;
 
   ToStringContext();
 
-  /// Prints a `UnitExpr`. Null sets the default, as for the next but three.
+  /// Prints a `UnitExpr`. Null sets the default.
+  /// @{
   [[nodiscard]] const std::shared_ptr<const UnitExprFcn>& unitExprFcn() const noexcept { return unitExprFcn_; }
   ToStringContext& unitExprFcn(std::shared_ptr<const UnitExprFcn> function);
+  /// @}
+
   /// Whether a `FieldValueArrayExpr` is printed as a `struct(…)` call.
+  /// @{
   [[nodiscard]] bool fvaAsStruct() const noexcept { return fvaAsStruct_; }
   ToStringContext& fvaAsStruct(bool value) noexcept;
+  /// @}
+
   /// Whether the text is for the user.
+  /// @{
   [[nodiscard]] bool asUserStr() const noexcept { return asUserStr_; }
   ToStringContext& asUserStr(bool value) noexcept;
+  /// @}
+
   /// Whether the text stands inside a line and gets no indent.
+  /// @{
   [[nodiscard]] bool asRValue() const noexcept { return asRValue_; }
   ToStringContext& asRValue(bool value) noexcept;
+  /// @}
+
+  /// Blanks for each step of the indent.
+  /// @{
   [[nodiscard]] std::size_t increment() const noexcept { return increment_; }
   ToStringContext& increment(Increment value) noexcept;
+  /// @}
+
+  /// Blanks at the head of a line.
+  /// @{
   [[nodiscard]] std::size_t indent() const noexcept { return indent_; }
   ToStringContext& indent(Indentation value) noexcept;
-  /// Rewrites the first name of a reference.
+  /// @}
+
+  /// Rewrites the first name of a reference. Null sets the default.
+  /// @{
   [[nodiscard]] const std::shared_ptr<const MapIdentifierFcn>& mapIdentifierFcn() const noexcept {
     return mapIdentifierFcn_;
   }
   ToStringContext& mapIdentifierFcn(std::shared_ptr<const MapIdentifierFcn> function);
-  /// Asked first for every expression; what it gives is the text.
+  /// @}
+
+  /// Asked first for every expression; what it gives is the text. Empty where nothing is asked.
+  /// @{
   [[nodiscard]] const OutputFcn& outputFcn() const noexcept { return outputFcn_; }
   ToStringContext& outputFcn(OutputFcn function);
+  /// @}
 
   /// What `mapIdentifierFcn` makes of a name.
   [[nodiscard]] nvf::CxIdPath mapIdentifier(const nvf::CxId& id) const;
@@ -77,8 +105,10 @@ public:
   [[nodiscard]] ToStringContext incrementIndent(std::size_t n) const;
 
   /// The defaults, each one object in the whole process.
+  /// @{
   static const std::shared_ptr<const UnitExprFcn>& makeDefaultUnitExprFcn();
   static const std::shared_ptr<const MapIdentifierFcn>& makeDefaultMapIdentifierFcn();
+  /// @}
 
 private:
   std::shared_ptr<const UnitExprFcn> unitExprFcn_;
@@ -101,10 +131,12 @@ TESSARIN_EXPORT ToStringContext::UnitExprFcn make_error_always_unit_expr_fcn();
 /// Thrown where an expression with a unit is printed and must not be.
 class TESSARIN_EXPORT UnexpectedUnitExpr : public std::logic_error {
 public:
+  /// For the expression that must not be printed.
   explicit UnexpectedUnitExpr(const UnitExpr& expr);
   UnexpectedUnitExpr(const UnexpectedUnitExpr&) noexcept = default;
   UnexpectedUnitExpr& operator=(const UnexpectedUnitExpr&) noexcept = default;
   ~UnexpectedUnitExpr() override;
+  /// The expression; it lives as long as the exception or a copy of it.
   [[nodiscard]] const UnitExpr& expr() const noexcept { return *expr_; }
 
 private:

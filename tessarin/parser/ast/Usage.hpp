@@ -34,10 +34,14 @@ public:
   VariableRecursion(const VariableRecursion&) = delete;
   VariableRecursion& operator=(const VariableRecursion&) = delete;
   virtual ~VariableRecursion();
+
+  /// Walks the subscripts and arguments of the reference.
+  /// @{
   virtual void operator()(const Variable& variable) = 0;
   virtual void operator()(const ValueRef& ref) = 0;
   virtual void operator()(const FullPathVariable& path) = 0;
   virtual void operator()(const RelativePathVariable& path) = 0;
+  /// @}
 };
 
 /// What `visit_variables` calls for the kinds of expressions. Any of the functions may be empty.
@@ -45,10 +49,16 @@ public:
 /// The walker enters the subscripts of a reference only when the callback sends it on, through the recursion that it is
 /// given. It calls the functions of all other kinds before it enters their parts, and enters these in any case.
 struct VariableVisitFcns {
-  std::function<void(const Variable&, VariableRecursion&)> variable; ///< not called for locals of a `let`
+  /// Called for the references of the kind, with what sends the walker on into their subscripts.
+  /// @{
+  std::function<void(const Variable&, VariableRecursion&)> variable; ///< Not called for locals of a `let`.
   std::function<void(const FullPathVariable&, VariableRecursion&)> fullPathVariable;
   std::function<void(const RelativePathVariable&, VariableRecursion&)> relativePathVariable;
   std::function<void(const ValueRef&, VariableRecursion&)> valueRef;
+  /// @}
+
+  /// Called for the expressions of the kind, before their parts.
+  /// @{
   std::function<void(const ObjectRef&)> objectRef;
   std::function<void(const UnitExpr&)> unitExpr;
   std::function<void(const OpExpr&)> opExpr;
@@ -57,6 +67,7 @@ struct VariableVisitFcns {
   std::function<void(const TessarinFunctionCall&)> tessarinFunctionCall;
   std::function<void(const TessarinLocalFunctionCall&)> tessarinLocalFunctionCall;
   std::function<void(const NativeFunctionCall&)> nativeFunctionCall;
+  /// @}
 };
 
 /// Walks the expression in its order and calls the functions. Of a local of a `let`, the subscripts are walked at once,
@@ -81,11 +92,13 @@ TESSARIN_EXPORT IdSet used_ids(const Expr& expr);
 
 /// Adds what `used_fpvs` finds to a set.
 struct TESSARIN_EXPORT UsedFullPathVariables {
+  /// Adds those of `expr` to `paths`.
   void operator()(const Expr& expr, FullPathVariableSet& paths) const;
 };
 
 /// Adds what `used_ids` finds to a set.
 struct TESSARIN_EXPORT UsedIds {
+  /// Adds those of `expr` to `ids`.
   void operator()(const Expr& expr, IdSet& ids) const;
 };
 
@@ -93,6 +106,7 @@ struct TESSARIN_EXPORT UsedIds {
 /// Assertions and conditions count.
 class TESSARIN_EXPORT UsedLetDecls {
 public:
+  /// With the declarations of the `let`, in its order.
   explicit UsedLetDecls(std::vector<IdListValuePair> declarations);
   /// The declarations that this expression and those of former calls use, in the order in which they are declared.
   std::vector<IdListValuePair> operator()(const Expr& expr);

@@ -69,8 +69,8 @@ public:
   ASTBuilder& operator=(const ASTBuilder&) = delete;
   ~ASTBuilder();
 
-  // ---- expressions ----
-
+  /// Expressions, and the parts that only they have.
+  /// @{
   [[nodiscard]] Expr buildExpr(const ParseTree& tree) const;
   /// The rows as they are: an empty one stays.
   [[nodiscard]] MatrixExpr buildMatrixExpr(const ParseTree& tree) const;
@@ -82,9 +82,10 @@ public:
   [[nodiscard]] nvf::Range computeRange(const ParseTree& tree) const;
   /// The content of a string of either sort.
   [[nodiscard]] StringLiteral toCvLiteral(const Token& token) const;
+  /// @}
 
-  // ---- names ----
-
+  /// Names, alone and in lists; a list keeps the order of the text.
+  /// @{
   /// The ident of a leaf. Throws what `Ident` throws where its text is no identifier.
   [[nodiscard]] Ident buildIdent(const ParseTree& tree) const;
   [[nodiscard]] OptIdent buildOptIdent(const ParseTree& tree) const;
@@ -93,13 +94,12 @@ public:
   [[nodiscard]] IdentValuePair buildIdentValuePair(const ParseTree& tree) const;
   [[nodiscard]] nvf::Expressions<IdentValuePair> buildIdentValuePairs(const ParseTree& tree) const;
   [[nodiscard]] Name buildTypeSpecifier(const ParseTree& tree) const;
+  /// @}
 
-  // ---- references ----
-  //
-  // A reference is a node of kind `Subsref`. Its children lie side by side: names, dots, and argument lists with their
-  // parentheses. The forms that have no syntax of their own are calls of reserved names; those of another shape raise
-  // the message of their form, but for the kinds of expressions and for `concrete_value__`, which are variables then.
-
+  /// A reference is a node of kind `Subsref`. Its children lie side by side: names, dots, and argument lists with their
+  /// parentheses. The forms that have no syntax of their own are calls of reserved names; those of another shape raise
+  /// the message of their form, but for the kinds of expressions and for `concrete_value__`, which are variables then.
+  /// @{
   [[nodiscard]] Variable buildVariable(const ParseTree& tree) const;
   [[nodiscard]] FullPathVariable buildFullPathVariable(const ParseTree& tree) const;
   [[nodiscard]] RelativePathVariable buildRelativePathVariable(const ParseTree& tree) const;
@@ -123,9 +123,11 @@ public:
                                                               const std::vector<std::size_t>& positions) const;
   /// The arguments in a list of named ones; `:=` is refused unless it is allowed.
   [[nodiscard]] std::vector<NamedArgument> buildEqnNamedArgs(const ParseTree& tree, bool allowColonEquals) const;
+  /// @}
 
-  // ---- equations and events ----
-
+  /// Equations, the blocks that hold them, and what a `when` clause does. An `if` is built as condition, items,
+  /// `elseif`s, `else`.
+  /// @{
   [[nodiscard]] EqnItem buildEqnItem(const ParseTree& tree) const;
   [[nodiscard]] std::vector<EqnItem> buildEqnItemList(const ParseTree& tree) const;
   [[nodiscard]] EqnAssertion buildEqnAssertion(const ParseTree& tree) const;
@@ -134,9 +136,10 @@ public:
   [[nodiscard]] EventBlock buildEventBlock(const ParseTree& tree) const;
   [[nodiscard]] FunctionEqnItem buildFunctionEqnItem(const ParseTree& tree) const;
   [[nodiscard]] nvf::Expressions<FunctionEqnItem> buildFunctionEqnItems(const ParseTree& tree) const;
+  /// @}
 
-  // ---- declarations ----
-
+  /// Declarations, definitions, imports and annotations. A block's attributes are built before its contents.
+  /// @{
   /// The declaration whose names and whose value are the children at these positions.
   [[nodiscard]] IdListValuePair buildEqnDeclaration(const ParseTree& tree, std::size_t idIndex,
                                                     std::size_t valueIndex) const;
@@ -150,17 +153,19 @@ public:
   [[nodiscard]] ClassInitializer buildClassInitializer(const ParseTree& tree) const;
   [[nodiscard]] AnnotationsBlock buildAnnotationsBlock(const ParseTree& tree) const;
   [[nodiscard]] MemberAnnotation buildMemberAnnotation(const ParseTree& tree) const;
+  /// @}
 
-  // ---- branches and connections ----
-
+  /// Branches and connections, with their references.
+  /// @{
   [[nodiscard]] BranchBlock buildBranchBlock(const ParseTree& tree) const;
   [[nodiscard]] Through buildThrough(const ParseTree& tree) const;
   [[nodiscard]] ThroughLeaf buildThroughLeaf(const ParseTree& tree) const;
   [[nodiscard]] ConnectionBlock buildConnectionBlock(const ParseTree& tree) const;
   [[nodiscard]] Connection buildConnection(const ParseTree& tree) const;
+  /// @}
 
-  // ---- modecharts ----
-
+  /// Modecharts and their sections.
+  /// @{
   [[nodiscard]] ModechartBlock buildModechartBlock(const ParseTree& tree) const;
   [[nodiscard]] ModechartDeclaration buildModechartDeclaration(const ParseTree& tree) const;
   [[nodiscard]] Modechart buildModechart(const ParseTree& tree) const;
@@ -170,9 +175,10 @@ public:
   [[nodiscard]] Transition buildTransition(const ParseTree& tree) const;
   [[nodiscard]] InitialSection buildInitialSection(const ParseTree& tree) const;
   [[nodiscard]] InitialMode buildInitialMode(const ParseTree& tree) const;
+  /// @}
 
-  // ---- sections, models, functions and files ----
-
+  /// Sections and what holds them. `source` is the file that the result names as its own.
+  /// @{
   [[nodiscard]] DeclarativeSections buildDeclarative(const ParseTree& tree) const;
   [[nodiscard]] ConditionalSection buildConditionalSection(const ParseTree& tree) const;
   [[nodiscard]] std::vector<ElseifSection> buildElseifSections(const ParseTree& tree) const;
@@ -184,15 +190,17 @@ public:
   /// The local functions of a file whose model or function has the name `mainName`.
   [[nodiscard]] LocalTSNFunctions buildTSNFunctions(const ParseTree& tree, const Ident& mainName,
                                                     FileSource source) const;
+  /// @}
 
-  // The following take the tree of a whole file. A file of statements raises a `nvf::MessageException`, as does a file
-  // of the other sort.
-
+  /// The following take the tree of a whole file. A file of statements raises a `nvf::MessageException`, as does a file
+  /// of the other sort.
+  /// @{
   [[nodiscard]] TSNFile buildTSNFile(const ParseTree& tree, FileSource source) const;
   [[nodiscard]] ModelFile buildModelFile(const ParseTree& tree, FileSource source) const;
   [[nodiscard]] TSNFunctionFile buildTSNFunctionFile(const ParseTree& tree, FileSource source) const;
   /// The outline of a component, without its equations. Sections that nest, modecharts and annotations are fatal.
   [[nodiscard]] ComponentStructureInfo extractStructureInfo(const ParseTree& tree) const;
+  /// @}
 
 private:
   std::unique_ptr<nvf::ValueTokensToValue> toValue_; // null where there is none

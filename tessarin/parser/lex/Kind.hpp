@@ -24,6 +24,7 @@ inline constexpr Kind noKind{-1};
 
 /// How text of a kind is coloured.
 struct KindCategory {
+  /// The categories, in the order of their numbers.
   enum Value : std::int32_t {
     KEYWORDS,
     OPERATORS,

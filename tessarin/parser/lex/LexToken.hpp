@@ -12,7 +12,7 @@ namespace tessarin::compiler::core {
 /// What one step of scanning gives: a kind and a length. The text is that of the buffer behind the token before.
 struct TESSARIN_EXPORT LexToken {
   std::uint64_t length = 0; ///< in UTF-16 code units; markers have none
-  Kind kind = Kind::EMPTY;
+  Kind kind = Kind::EMPTY;  ///< what it is
 
   /// What the scanner gives where there are no more tokens: length 0, kind `EMPTY`.
   static const LexToken INVALID_TOKEN;

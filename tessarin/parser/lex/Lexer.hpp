@@ -19,6 +19,7 @@ class TESSARIN_EXPORT Lexer {
 public:
   /// Copies the text of the buffer.
   explicit Lexer(const nvf::FileBuffer<char16_t, nvf::FileBufferDisplay<char16_t>>& buffer);
+  /// Copies the text; `name` is the file name in all locations.
   Lexer(const nvf::AsciiString& text, nvf::FileName name);
   ~Lexer();
   Lexer(const Lexer&) = delete;
@@ -36,9 +37,15 @@ public:
   /// Shows a stretch of the text to the listener, if there is one.
   void markupNotify(std::size_t offset, std::size_t length);
 
+  /// The file name in the locations of all tokens.
   [[nodiscard]] const nvf::FileName& fileName() const noexcept { return fileName_; }
+
+  /// The scanner of the text. Whoever moves it or changes its state changes what `next` gives.
+  /// @{
   [[nodiscard]] Tokenizer& tokenizer() noexcept { return *tokenizer_; }
   [[nodiscard]] const Tokenizer& tokenizer() const noexcept { return *tokenizer_; }
+  /// @}
+
   /// Whether a bracket is open behind the token that was read last.
   [[nodiscard]] bool areParensUnbalanced() const { return tokenizer_->state().parenDepth != 0; }
 

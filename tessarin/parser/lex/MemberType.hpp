@@ -7,6 +7,7 @@ namespace tessarin::compiler::core {
 
 /// Scopes the kinds of members that a block declares. The table is member_types.def.
 struct MemberType {
+  /// The types, and none; the numbers enter orderings and digests.
   enum Value : std::int32_t {
     NONE = -1,
 #define TESSARIN_MEMBER_TYPE(number, name, opening, text, function) name = (number),

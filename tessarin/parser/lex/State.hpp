@@ -38,39 +38,46 @@ enum class ListState : std::uint8_t {
 
 /// What the scanner knows at the start of a line, besides the text: with it a line is scanned as it is in its file.
 struct TESSARIN_EXPORT State {
+  /// What is true or false at a place: bits of `flags`.
   enum Flag : std::uint8_t {
     afterAtParen = 1U << 0U, ///< a parenthesis has been opened right behind "@"
     continued = 1U << 1U,    ///< the line follows a continuation, or the end of a row of an array
     inList = 1U << 2U,       ///< in a list that line ends and separators close
     sawEnds = 1U << 3U,      ///< functions of this file are closed with "end"
-    atLineStart = 1U << 4U
+    atLineStart = 1U << 4U   ///< no code has been seen on the line
   };
 
-  static constexpr unsigned maxParenDepth = 32;
-  static constexpr unsigned maxCommentDepth = 7;
+  static constexpr unsigned maxParenDepth = 32;  ///< The brackets that can be open at once.
+  static constexpr unsigned maxCommentDepth = 7; ///< The block comments that can be open at once.
 
-  CState cState = CState::AT_BEGINNING;
-  LState lState = LState::BEGIN_STMT;
-  std::uint8_t indent = 0;       ///< an estimate of the open blocks, modulo 256
-  std::uint8_t inFunction = 0;   ///< the depth of function nesting, modulo 256
-  std::uint8_t parenDepth = 0;   ///< open brackets of all three sorts
-  std::uint8_t commentDepth = 0; ///< open block comments
-  ListState listState = ListState::NO_LS;
-  std::uint8_t flags = atLineStart; ///< of `Flag`
+  CState cState = CState::AT_BEGINNING;   ///< the place in the file
+  LState lState = LState::BEGIN_STMT;     ///< the place in the statement
+  std::uint8_t indent = 0;                ///< an estimate of the open blocks, modulo 256
+  std::uint8_t inFunction = 0;            ///< the depth of function nesting, modulo 256
+  std::uint8_t parenDepth = 0;            ///< open brackets of all three sorts
+  std::uint8_t commentDepth = 0;          ///< open block comments
+  ListState listState = ListState::NO_LS; ///< the arguments of a command, while there are any
+  std::uint8_t flags = atLineStart;       ///< of `Flag`
   /// One bit a bracket, the innermost lowest: 1 where blanks and line ends separate elements, 0 where they do not.
   std::uint32_t bracketStack = 0;
   std::uint8_t spare = 0; ///< copied, without a meaning
 
+  /// Reads, sets and clears one of the `flags`.
+  /// @{
   [[nodiscard]] bool has(Flag flag) const noexcept { return (flags & flag) != 0; }
   void set(Flag flag) noexcept { flags = static_cast<std::uint8_t>(flags | flag); }
   void clear(Flag flag) noexcept { flags = static_cast<std::uint8_t>(flags & ~flag); }
+  /// @}
+
   /// Whether blanks and line ends separate elements here.
   [[nodiscard]] bool inArray() const noexcept { return (bracketStack & 1U) != 0; }
 
-  /// Views closed by a zero, such as "SAW_OPER"; for enumerators only.
+  /// The name of an enumerator, such as "SAW_OPER", closed by a zero; for enumerators only.
+  /// @{
   static ustring_view cStateName(CState state) noexcept;
   static ustring_view lStateName(LState state) noexcept;
   static ustring_view listStateName(ListState state) noexcept;
+  /// @}
 
   /// The code units that `dump` writes at the most, the closing zero included.
   static constexpr std::size_t dumpCapacity = 128;

@@ -16,6 +16,7 @@ namespace tessarin::compiler::core {
 /// into the source.
 class TESSARIN_EXPORT Token {
 public:
+  /// An interned text: equal texts share their code units.
   using Text = nvf::BasicTableString<char16_t>;
 
   /// The longest name, in UTF-16 code units; longer ones are cut.
@@ -30,9 +31,12 @@ public:
   Token(TokenId::Value code, const nvf::Location& location, const Text& text) noexcept
       : text_(text), location_(location), code_(code) {}
 
+  /// What the token is, where its first code unit stands, and its text, empty where the code keeps none.
+  /// @{
   [[nodiscard]] TokenId::Value code() const noexcept { return code_; }
   [[nodiscard]] const nvf::Location& location() const noexcept { return location_; }
   [[nodiscard]] const Text& text() const noexcept { return text_; }
+  /// @}
 
   /// Sets the text, which stays empty where the code keeps none. The text of an `ID` is cut to `maxNameLength`, with
   /// the warning MaxNameLengthExceeded.

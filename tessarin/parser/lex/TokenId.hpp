@@ -14,15 +14,19 @@ namespace tessarin::compiler::core {
 
 /// The codes of the parser's tokens. The functions take enumerators only, and may be called from any thread.
 struct TESSARIN_EXPORT TokenId {
+  /// The codes, which are the parser's own numbers and never change. The table is token_ids.def.
   enum Value : std::int32_t {
 #define TESSARIN_TOKEN(code, name) name = (code),
 #define TESSARIN_QUOTED_TOKEN(code, name, text) name = (code),
 #include "tessarin/parser/lex/token_ids.def"
   };
 
+  /// The codes run without a gap from the first to the last.
+  /// @{
   static constexpr std::int32_t first = FILE_LINE_COLUMN;
   static constexpr std::int32_t last = VALUE;
   static constexpr std::size_t count = last - first + 1;
+  /// @}
 
   /// The name of the enumerator, such as "ID". Closed by a zero.
   static std::string_view toString(Value code) noexcept;

@@ -57,6 +57,7 @@ public:
   /// The next token; `LexToken::INVALID_TOKEN` once the input is exhausted.
   virtual LexToken next() = 0;
 
+  /// Goes on as if `state` had been reached here; the place in the text stays.
   virtual void setState(const State& state) = 0;
   /// The state behind the token that `next` gave last.
   [[nodiscard]] virtual const State& state() const = 0;
@@ -67,6 +68,7 @@ public:
 
   /// The length of the text, less one once a code unit 0 at its end has ended it.
   [[nodiscard]] virtual std::size_t bufferSize() const = 0;
+  /// The text that `setBuffer` was given.
   [[nodiscard]] virtual const char16_t* buffer() const = 0;
   /// Whether a block comment is open.
   [[nodiscard]] virtual bool inBlockComment() const = 0;

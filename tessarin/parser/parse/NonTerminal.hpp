@@ -11,6 +11,7 @@ namespace tessarin::compiler::core {
 
 /// Scopes the enumeration of the kinds. The functions may be called from any thread.
 struct TESSARIN_EXPORT NonTerminal {
+  /// The kinds. The table is nonterminals.def; the numbers enter orderings, hashes and digests.
   enum Value : std::int32_t {
 #define TESSARIN_NONTERMINAL(name) name,
 #include "tessarin/parser/parse/nonterminals.def"

@@ -34,6 +34,7 @@ public:
   virtual ~ParseTreeVisitor();
   /// Whether the visitor wants tokens of this code.
   virtual bool wantsToken(TokenId::Value code) = 0;
+  /// Called for each token that it wants.
   virtual void visitToken(const Token& token) = 0;
 };
 
@@ -53,18 +54,26 @@ public:
   [[nodiscard]] virtual const ParseTree& child(std::size_t i) const = 0;
   /// A non-terminal of the same kind without its last `n` children; without any where there are fewer.
   [[nodiscard]] virtual ParseTree trim(std::size_t n) const = 0;
+  /// Shows the tokens below to the visitor, from left to right.
   virtual void visit(ParseTreeVisitor& visitor) const = 0;
-  /// The first and the last token below; null where there is none.
+  /// The first token below; null where there is none.
   [[nodiscard]] virtual const Token* left() const noexcept;
+  /// The last token below; null where there is none.
   [[nodiscard]] virtual const Token* right() const noexcept;
+  /// Whether kinds and tokens are the same; places do not count.
   [[nodiscard]] virtual bool equal(const ParseTreeData& other) const = 0;
   /// By type, then as the typed nodes compare.
   [[nodiscard]] virtual Ordering compare(const ParseTreeData& other) const = 0;
+  /// A node of its own with the same content; the children are shared.
   [[nodiscard]] virtual std::unique_ptr<ParseTreeData> clone() const = 0;
+
+  /// As for the handle, see `ParseTree` and the functions behind it.
+  /// @{
   virtual void out(std::ostream& stream, std::size_t indent) const = 0;
   [[nodiscard]] virtual std::size_t hash_value() const = 0;
   virtual void incorporate_data(DigestSink& sink) const = 0;
   virtual void strip_annotation_inplace() = 0;
+  /// @}
 
   /// How deep non-terminals nest here, this one counting as 1 and a terminal as 0; 65535 stands for more as well.
   [[nodiscard]] std::uint32_t depth() const noexcept { return depth_; }
@@ -72,25 +81,30 @@ public:
   ParseTreeData(const ParseTreeData&) = delete;
 
 protected:
+  /// A node of this depth at that place of its memory.
   ParseTreeData(std::uint16_t depth, std::uint16_t slot) noexcept : depth_(depth), slot_(slot) {}
 
-  std::uint16_t depth_;
-  std::uint16_t slot_; // where the node lies in the memory that it came from; see NodePool
+  std::uint16_t depth_; ///< What `depth()` tells.
+  std::uint16_t slot_;  ///< Where the node lies in the memory that it came from; see `NodePool`.
 };
 
 /// Leads the operations with another node to those with one of the same class.
 template <class Derived>
 class ParseTreeDataShim : public ParseTreeData {
 public:
+  /// Whether the other node is of this class and equal.
   [[nodiscard]] bool equal(const ParseTreeData& other) const final {
     const auto* same = dynamic_cast<const Derived*>(&other);
     return same != nullptr && equal(*same);
   }
+  /// By type; nodes of one type as their class compares them.
   [[nodiscard]] Ordering compare(const ParseTreeData& other) const final {
     if (type() != other.type()) return nvf::order(type(), other.type());
     return compare(static_cast<const Derived&>(other));
   }
+  /// Whether a node of the same class is equal.
   [[nodiscard]] virtual bool equal(const Derived& other) const = 0;
+  /// The order of two nodes of the class.
   [[nodiscard]] virtual Ordering compare(const Derived& other) const = 0;
 
 protected:
@@ -104,37 +118,44 @@ public:
   static const ParseTree DEFAULT_DATA;
 
   ParseTree() noexcept = default;
+  /// A terminal.
   explicit ParseTree(const Token& token);
   /// A node with copies of `n` handles; `first` may be null where `n` is 0.
   ParseTree(NonTerminal::Value kind, const ParseTree* first, std::size_t n);
+  /// A node with copies of these handles.
   ParseTree(NonTerminal::Value kind, const std::vector<ParseTree>& children);
 
+  /// The node, never null; it lives as long as a handle holds it.
   [[nodiscard]] const ParseTreeData* data() const noexcept { return data_ ? &*data_ : defaultData(); }
   /// A node that only this handle owns: it is copied first where others share it.
   [[nodiscard]] ParseTreeData* data();
 
   // The qualified calls are the ones that building a tree makes for every node; they need no dispatch.
+  /// What the node tells, see `ParseTreeData`; references live as long as the node.
+  /// @{
   [[nodiscard]] std::int32_t type() const noexcept { return data()->ParseTreeData::type(); }
   [[nodiscard]] const Token& token() const { return data()->token(); }
   [[nodiscard]] NonTerminal::Value code() const { return data()->code(); }
   [[nodiscard]] std::size_t count() const { return data()->count(); }
   [[nodiscard]] const ParseTree& child(std::size_t i) const { return data()->child(i); }
+  [[nodiscard]] ParseTree trim(std::size_t n) const { return data()->trim(n); }
+  void visit(ParseTreeVisitor& visitor) const { data()->visit(visitor); }
+  [[nodiscard]] const Token* left() const noexcept { return data()->ParseTreeData::left(); }
+  [[nodiscard]] const Token* right() const noexcept { return data()->ParseTreeData::right(); }
+  /// @}
+
   /// Whether it is a terminal with this token code.
   [[nodiscard]] bool isTerminalType(TokenId::Value code) const { return type() == 0 && token().code() == code; }
   /// Whether it is a non-terminal of this kind.
   [[nodiscard]] bool isNonTerminalType(NonTerminal::Value kind) const { return type() == 1 && code() == kind; }
-  [[nodiscard]] const Token* left() const noexcept { return data()->ParseTreeData::left(); }
-  [[nodiscard]] const Token* right() const noexcept { return data()->ParseTreeData::right(); }
   /// The location of `left()`; there must be one.
   [[nodiscard]] const nvf::Location& location() const noexcept { return left()->location(); }
   /// The line of the location, from 0.
   [[nodiscard]] std::size_t line() const noexcept { return location().lineColumn().line(); }
-  [[nodiscard]] ParseTree trim(std::size_t n) const { return data()->trim(n); }
   /// A node of the same kind in which all nested nodes of that kind are replaced by what they hold.
   [[nodiscard]] ParseTree roll() const;
   /// Appends to `out`, in order, what this tree holds that is no node of `kind`: the step that `roll()` takes.
   void roll(NonTerminal::Value kind, std::vector<ParseTree>& out) const;
-  void visit(ParseTreeVisitor& visitor) const { data()->visit(visitor); }
   /// Whether kinds and tokens are the same; places do not count.
   [[nodiscard]] bool equal(const ParseTree& other) const;
   /// Writes the tree as an indented listing, one node a line.
@@ -154,7 +175,7 @@ private:
   nvf::SharedPtr<ParseTreeData> data_;
 };
 
-/// A leaf.
+/// A leaf. See `ParseTreeData` for what a node can do.
 class TESSARIN_EXPORT TerminalData final : public ParseTreeDataShim<TerminalData> {
 public:
   ~TerminalData() override;
@@ -188,7 +209,7 @@ private:
   Token token_;
 };
 
-/// An inner node. The children follow it in memory.
+/// An inner node. The children follow it in memory. See `ParseTreeData` for what a node can do.
 class TESSARIN_EXPORT NonTerminalData final : public ParseTreeDataShim<NonTerminalData> {
 public:
   ~NonTerminalData() override;
@@ -211,6 +232,7 @@ public:
   [[nodiscard]] bool equal(const NonTerminalData& other) const override;
   [[nodiscard]] Ordering compare(const NonTerminalData& other) const override;
 
+  /// All children; they live as long as the node.
   [[nodiscard]] std::span<const ParseTree> children() const noexcept {
     return {reinterpret_cast<const ParseTree*>(this + 1), count_};
   }
@@ -245,6 +267,7 @@ inline const Token* ParseTreeData::right() const noexcept {
                      : static_cast<const NonTerminalData*>(this)->right_;
 }
 
+/// By type and kind, then by the tokens and children in order, places included.
 TESSARIN_EXPORT Ordering compare(const ParseTree& a, const ParseTree& b);
 /// Whether `compare` finds no difference: unlike in `equal`, places count.
 inline bool operator==(const ParseTree& a, const ParseTree& b) {
@@ -256,6 +279,7 @@ TESSARIN_EXPORT std::size_t hash_value(const ParseTree& tree);
 TESSARIN_EXPORT void incorporate_data(DigestSink& sink, const ParseTree& tree);
 /// Takes the places out of the tokens of this tree; trees that share nodes with it stay as they are.
 TESSARIN_EXPORT void strip_annotation_inplace(ParseTree& tree);
+/// Writes the listing of `ParseTree::out` from the left margin.
 TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const ParseTree& tree);
 /// The texts of the tokens, as the field of a node shows them: a listing would grow with the square of a long sum.
 TESSARIN_EXPORT ustring dump_text(const ParseTree& tree);

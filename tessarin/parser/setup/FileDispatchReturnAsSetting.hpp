@@ -17,12 +17,14 @@ public:
   FileDispatchReturnAsSetting(const FileDispatchReturnAsSetting&) = delete;
   FileDispatchReturnAsSetting& operator=(const FileDispatchReturnAsSetting&) = delete;
 
+  /// What holds now.
   [[nodiscard]] FileDispatchReturnAs value() const noexcept { return value_; }
 
   /// Sets a value for as long as it or one of its copies lives; then the former value is back. Scopes nest strictly, as
   /// objects on a stack do.
   class TESSARIN_EXPORT Manager {
   public:
+    /// Sets `value` at once; the setting must outlive the manager.
     Manager(FileDispatchReturnAsSetting& setting, FileDispatchReturnAs value);
 
   private:

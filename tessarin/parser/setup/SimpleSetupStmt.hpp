@@ -18,9 +18,11 @@ using SimpleSetupStmtHandle = nvf::Handle<SimpleSetupStmt>;
 /// `a.b = value;`.
 class TESSARIN_EXPORT SimpleSetupAsgnStmt : public nvf::TupleWrapper<SimpleSetupAsgnStmt*, Name, Expr> {
 public:
+  /// Assigns the value of `rhs` to the path `lhs`.
   SimpleSetupAsgnStmt(Name lhs, Expr rhs) : TupleWrapper(std::move(lhs), std::move(rhs)) {}
   /// The path that is assigned to.
   [[nodiscard]] const Name& lhs() const noexcept { return get<0>(); }
+  /// What is assigned.
   [[nodiscard]] const Expr& rhs() const noexcept { return get<1>(); }
 };
 
@@ -58,7 +60,9 @@ public:
 class TESSARIN_EXPORT SimpleSetupIfStmt
     : public nvf::TupleWrapper<SimpleSetupIfStmt*, Expr, SimpleSetupStmtHandle, SimpleSetupStmtHandle> {
 public:
+  /// Takes the statements of both branches.
   SimpleSetupIfStmt(const Expr& predicate, SimpleSetupStmt whenTrue, SimpleSetupStmt whenFalse);
+  /// What decides between the branches.
   [[nodiscard]] const Expr& predicate() const noexcept { return get<0>(); }
   /// What is done where the predicate has this value.
   [[nodiscard]] const SimpleSetupStmt& branch(bool value) const noexcept;
