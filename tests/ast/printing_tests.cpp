@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <string>
 
 namespace {
 
@@ -194,6 +195,50 @@ TEST(Printing, ContextsSteerIt) {
   std::ostringstream stream;
   stream << Expr(string(u"\u20ac"));
   EXPECT_EQ(stream.str(), "'\xe2\x82\xac'");
+}
+
+/// What an object writes to a narrow stream.
+template <class... Arguments>
+std::string written(const Arguments&... arguments) {
+  std::ostringstream stream;
+  (stream << ... << arguments);
+  return stream.str();
+}
+
+TEST(Printing, PartsPrintAlone) {
+  const Arguments list = arguments({name("x"), colon()}, {{"n", name("y")}});
+  const ToStringContext context;
+  EXPECT_EQ(to_string(list, context), u"(x, :, n = y)");
+  EXPECT_EQ(written(list), "(x, :, n = y)");
+  EXPECT_EQ(list.namedArgs().front().string(context), u"n = y");
+  EXPECT_EQ(list.posArgs().front().string(context), u"x");
+  EXPECT_EQ(colon().string(ToStringContext().indent(Indentation{4})), u":");
+  EXPECT_EQ(list.posArgs().front().copy(), list.posArgs().front());
+  EXPECT_NE(list.posArgs().front().copy().expr(), list.posArgs().front().expr());
+  EXPECT_EQ(to_string(step("s", {name("x")}), context), u"s(x)");
+  EXPECT_EQ(to_string(FunctionEqnItem(declaration("x", name("y"))), context), u"x = y");
+  EXPECT_EQ(written(EqnItem(name("x"))), "x");
+  EXPECT_EQ(ident("a").string(context), u"a");
+
+  const nvf::Expressions<IdentValuePair> update = pairs({{"n", number("0")}});
+  EXPECT_EQ(WhenBranch(name("p"), update).string(2, 2), u"  when p\n    n = 0;\n");
+  EXPECT_EQ(ElseWhenBranch(name("p"), update).string(0, 2), u"elsewhen p\n  n = 0;\n");
+  EXPECT_EQ(WhenClause(WhenBranch(name("p"), {}), {}).string(0, 2), u"when p\nend");
+
+  EXPECT_EQ(written(UniquePathElement(BaseClassPathElement()), ' ', UniquePathElement(MemberPathElement(3)), ' ',
+                    UniquePathElement(ArrayMemberPathElement(3, 4))),
+            "base member(3) arraymember(3,4)");
+}
+
+TEST(Printing, LiteralsWriteToStreams) {
+  const auto narrow = [](const auto& outputter, const auto& value) {
+    std::ostringstream stream;
+    outputter(stream, value);
+    return stream.str();
+  };
+  EXPECT_EQ(narrow(SimpleOutputter(), number("1.50").get<NumberLiteral>().value()), "1.50");
+  EXPECT_EQ(narrow(CharacterVectorOutputter(), ustring(u"it's \u20ac")), "'it''s \xe2\x82\xac'");
+  EXPECT_EQ(narrow(SingleQuoteOutputter(), unitText("m/s").value()), "'m/s'");
 }
 
 } // namespace

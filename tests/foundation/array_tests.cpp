@@ -204,4 +204,16 @@ TEST(Concatenator, APartThatDoesNotFitLeavesTheOthers) {
   EXPECT_EQ(concatenator.result(), row<int>({1, 2}));
 }
 
+TEST(ArrayType, OrdersByElementThenSize) {
+  const ArrayType types[] = {{ElementType::Bool, ArraySize(2, 2)},
+                             {ElementType::Int32, ArraySize(1, 1)},
+                             {ElementType::Int32, ArraySize(1, 2)}};
+  for (std::size_t i = 0; i < std::size(types); ++i) {
+    for (std::size_t j = 0; j < std::size(types); ++j) {
+      EXPECT_EQ(compare(types[i], types[j]), nvf::order(i, j));
+      EXPECT_EQ(hash_value(types[i]) == hash_value(types[j]), i == j);
+    }
+  }
+}
+
 } // namespace

@@ -53,6 +53,16 @@ TEST(Location, DigestAndText) {
   incorporate_data(sink, at("f", 258, 3));
   EXPECT_EQ(bytes, std::string("f\0\0\0\0\0\0\1\2\0\0\0\0\0\0\0\3", 17));
 
+  bytes.clear();
+  const Range range(at("f", 0, 1), at("f", 0, 2));
+  incorporate_data(sink, range);
+  const std::string both = bytes;
+  bytes.clear();
+  incorporate_data(sink, range.begin());
+  incorporate_data(sink, range.end());
+  EXPECT_EQ(both, bytes);
+  EXPECT_EQ(hash_value(range), nvf::hash_combine(hash_value(range.begin()), hash_value(range.end())));
+
   std::ostringstream stream;
   stream << at("m.tsn", 0, 4) << ' ' << at("", 2, 0);
   EXPECT_EQ(stream.str(), "(m.tsn:1:5) (3:1)");

@@ -68,6 +68,7 @@ TEST(Text, AsciiIsChecked) {
 }
 
 TEST(Text, AsciiRendering) {
+  EXPECT_EQ(nvf::lower("Ab\xc3\x84[Z"), "ab\xc3\x84[z") << "ASCII only";
   std::ostringstream stream;
   for (const char16_t unit : ustring(u"a\n\u00e9\xd83d")) nvf::to_ascii(stream, unit);
   EXPECT_EQ(stream.str(), "a\n\\u00e9\\ud83d");

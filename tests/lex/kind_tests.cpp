@@ -1,8 +1,7 @@
 #include "tessarin/parser/lex/Kind.hpp"
 #include "tessarin/parser/lex/LexToken.hpp"
 #include "tessarin/parser/lex/TokenId.hpp"
-
-#include "lex/scanning.hpp"
+#include "tessarin/parser/lex/Tokenizer.hpp"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +13,12 @@
 namespace {
 
 using namespace tessarin::compiler::core;
-using tessarin::test::narrow;
+using nvf::ustring;
+using nvf::ustring_view;
+
+std::string narrow(ustring_view text) {
+  return nvf::encode_utf8(text);
+}
 
 std::vector<Kind> allKinds() {
   std::vector<Kind> kinds;
@@ -102,6 +106,8 @@ TEST(Kind, ReservedWords) {
 }
 
 TEST(Kind, IsReservedWordOfKind) {
+  EXPECT_EQ(keyword::name(Kind::ELSEIF), u"elseif");
+  EXPECT_EQ(keyword::name(Kind::COLONEQUALS), u"") << "it has an image, and is no word";
   EXPECT_TRUE(is_reserved_word(Kind::PRE));
   EXPECT_FALSE(is_reserved_word(Kind::EMPTY));
   EXPECT_FALSE(is_reserved_word(Kind::ID));
@@ -185,7 +191,7 @@ TEST(TokenId, Convert) {
   // All the others go by their name.
   std::size_t sameName = 0;
   for (const Kind kind : allKinds()) sameName += narrow(kind_name(kind)) == TokenId::toString(TokenId::convert(kind));
-  EXPECT_EQ(sameName, kindCount - 16 - 5);
+  EXPECT_EQ(sameName, kindCount - 17 - 5); // renamed, and without a token
 }
 
 TEST(TokenId, ReservedKeywords) {
@@ -234,6 +240,12 @@ TEST(TokenId, ModelAndMemberTypes) {
     others += TokenId::memberType(static_cast<TokenId::Value>(code)) == MemberType::NONE;
   }
   EXPECT_EQ(others, TokenId::count - std::size(rows));
+}
+
+TEST(Tokenizer, LegalNames) {
+  const auto isName = [](std::u16string_view text) { return Tokenizer::isCxId(text.data(), text.size()); };
+  for (const std::u16string_view text : {u"a", u"Z9_", u"end"}) EXPECT_TRUE(isName(text));
+  for (const std::u16string_view text : {u"", u"_a", u"9", u"a b", u"a\u00e9", u"a."}) EXPECT_FALSE(isName(text));
 }
 
 } // namespace

@@ -286,4 +286,22 @@ TEST(Scanner, LawsHoldForRandomModels) {
   }
 }
 
+TEST(Scanner, TextInTheMiddleOfAStatement) {
+  const auto scanAfter = [](void (Tokenizer::*reset)(), std::u16string_view text) {
+    const auto tokenizer = Tokenizer::create();
+    tokenizer->setBuffer(text.data(), text.size(), false);
+    EXPECT_EQ(tokenizer->buffer(), text.data());
+    EXPECT_EQ(tokenizer->bufferSize(), text.size());
+    (*tokenizer.*reset)();
+    std::vector<LexToken> tokens;
+    for (LexToken token = tokenizer->next(); token.kind != Kind::EMPTY; token = tokenizer->next()) {
+      tokens.push_back(token);
+    }
+    return show(tokens);
+  };
+  // What would be the words of a command at the head of a statement; and a row has its separators.
+  EXPECT_EQ(scanAfter(&Tokenizer::resetToExpression, u"'a' hold on"), "STRING3 WHITE1 ID4 WHITE1 ID2");
+  EXPECT_EQ(scanAfter(&Tokenizer::resetToArrayRow, u"'a' -b]"), "STRING3 WHITE1 COMMA0 MINUS1 ID1 RB1");
+}
+
 } // namespace

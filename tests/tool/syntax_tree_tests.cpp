@@ -45,10 +45,71 @@ function [lower, upper] = limits(kind)
 end
 )";
 
-/// What the tool answers about the file above.
+// What the valve has not. Each expression has a number of its own, in the order in which they are listed.
+constexpr const char* plant = R"(component plant
+  for k = 20
+    parameters
+      in_loop = 21;
+    end
+  end
+  annotations
+    Icon = 22;
+    [a, b]: Side = 23;
+  end
+  modecharts (External = 12)
+    m = modechart
+      modes
+        mode on
+          entry
+            x = 14;
+          end
+          equations
+            x == 13;
+          end
+        end
+      end
+      transitions
+        on -> off : t > 15;
+      end
+      initial
+        on : 16;
+      end
+    end
+  end
+  events
+    when 7
+      y = 8;
+    elsewhen 9
+      y = 10; z = 11;
+    end
+  end
+  equations
+    x == 6;
+  end
+  connections
+    connect(4 + 0, *)
+    connect(a.p, b.p(5))
+  end
+  components
+    a(i) = part(k = 1);
+    [a, b] = 2;
+    c = pipe(3);
+  end
+  if 17
+  elseif 18
+  else
+    inputs
+      i = 19;
+    end
+  end
+end
+)";
+
+/// What the tool answers about the files above.
 ToolResult ask(const std::vector<std::string>& arguments) {
   const TemporaryFolder folder;
   folder.write("valve.tsn", valve);
+  folder.write("plant.tsn", plant);
   ToolResult result = runTool(folder, arguments);
   EXPECT_EQ(result.error, "");
   EXPECT_EQ(result.status, 0);
@@ -98,6 +159,32 @@ function [lower, upper] = limits(kind)  29:27
   EXPECT_EQ(outline["functions"][0]["outputs"], json::parse(R"(["lower","upper"])"));
 }
 
+TEST(OutlineCommand, MembersOfEverySort) {
+  EXPECT_EQ(ask({"outline", "plant.tsn"}).out, R"(component plant  1:11
+  parameters
+    in_loop  4:7
+  inputs
+    i  54:7
+  components
+    a  46:5
+    a  47:6
+    b  47:9
+    c  48:5
+  modecharts
+    m  12:5
+)");
+}
+
+TEST(OutlineCommand, FilesOfFunctions) {
+  const TemporaryFolder folder;
+  folder.write("f.tsn", "function y = f(x)\n  definitions\n    y = g(x);\n  end\nend\n"
+                        "function y = g(x)\n  definitions\n    y = x + 1;\n  end\nend\n");
+  EXPECT_EQ(runTool(folder, {"outline", "f.tsn"}).out, "function [y] = f(x)  1:14\nfunction [y] = g(x)  6:14\n");
+  const json digests = json::parse(runTool(folder, {"digest", "f.tsn", "--json"}).out)["exprs"];
+  ASSERT_EQ(digests.size(), 2);
+  EXPECT_EQ(digests[0][0], "g(x)") << "the local functions come last";
+}
+
 TEST(UsesCommand, ARowForEachEquationAndTwoForAnAssertion) {
   EXPECT_EQ(json::parse(ask({"uses", "valve.tsn", "--json"}).out), json::parse(R"x({"uses":[
       ["let u = x + d; in u == x(c) * p.v; end", ["c", "d", "p.v", "x", "x(c)"], ["c", "d", "p", "x"]],
@@ -121,6 +208,15 @@ TEST(DigestCommand, ExpressionsComeInTheOrderOfTheFile) {
                                              "c > 1", "{0, 'm'}", "c > 0",
                                              "concrete_value__('int32 1x1',1,'1')", // the conditional section
                                              "kind", "-kind"}));                    // the local function
+}
+
+TEST(DigestCommand, BlocksComeByTheirKind) {
+  std::string texts;
+  const json document = json::parse(ask({"digest", "plant.tsn", "--json"}).out);
+  for (const json& row : document["exprs"]) texts += row[0].get<std::string>() + '|';
+  EXPECT_EQ(texts,
+            "part(k = 1)|2|pipe(3)|4 + 0|a.p|b.p(5)|x == 6|7|8|9|10|11|12|x == 13|14|t > 15|16|17|18|19|20|21|22|"
+            "23|");
 }
 
 TEST(ExprCommand, PrintsOneExpression) {
