@@ -30,6 +30,7 @@ namespace nvf {
 /// Thrown where extents do not fit: each other, the elements, or the address space.
 class TESSARIN_EXPORT InvalidArraySize : public Exception {
 public:
+  /// With what is wrong.
   explicit InvalidArraySize(const std::string& what) : Exception(what) {}
 };
 
@@ -40,17 +41,22 @@ public:
   constexpr ArraySize() noexcept = default;
   /// Throws `InvalidArraySize` where the number of elements does not fit in a `size_t`.
   ArraySize(std::size_t m, std::size_t n);
+  /// One element.
   [[nodiscard]] static ArraySize scalar() { return {1, 1}; }
 
   /// The number of rows.
   [[nodiscard]] std::size_t m() const noexcept { return m_; }
   /// The number of columns.
   [[nodiscard]] std::size_t n() const noexcept { return n_; }
+  /// The product of the extents, which fits.
   [[nodiscard]] std::size_t numElements() const noexcept { return m_ * n_; }
   /// The extents, rows first.
   [[nodiscard]] std::array<std::size_t, 2> size() const noexcept { return {m_, n_}; }
+  /// Whether there is just one element, or none.
+  /// @{
   [[nodiscard]] bool isScalar() const noexcept { return m_ == 1 && n_ == 1; }
   [[nodiscard]] bool isEmpty() const noexcept { return numElements() == 0; }
+  /// @}
 
   /// Other extents for the same elements. Throws `InvalidArraySize` where their number would change.
   [[nodiscard]] ArraySize reshape(std::size_t m, std::size_t n) const;
@@ -157,8 +163,11 @@ static_assert(sizeof(int) == 4 && sizeof(unsigned long) == 8 && sizeof(double) =
 
 /// The type of the elements of an array, and its extents.
 struct ArrayType {
+  /// The type of the elements and the extents.
+  /// @{
   ElementType element = ElementType::Double;
   ArraySize size;
+  /// @}
 
   friend auto operator<=>(const ArrayType&, const ArrayType&) noexcept = default;
   friend Ordering compare(const ArrayType& a, const ArrayType& b) noexcept { return order(a, b); }
@@ -177,9 +186,12 @@ TESSARIN_EXPORT std::optional<ArrayType> array_type(std::string_view userName);
 template <ArrayElement T>
 class Array {
 public:
+  /// As the standard library names them. Iterators are pointers, and the sequence cannot be changed through them.
+  /// @{
   using value_type = T;
   using const_iterator = const T*;
   using iterator = const_iterator;
+  /// @}
 
   /// 0 by 0.
   Array() noexcept = default;
@@ -189,16 +201,21 @@ public:
   Array(const ArraySize& size, std::vector<T> elements) : size_(size), elements_(std::move(elements)) {
     size_.check(elements_.size());
   }
+  /// The same from a list.
   Array(const ArraySize& size, std::initializer_list<T> elements) : Array(size, std::vector<T>(elements)) {}
   /// From the elements at `elements`, in index order.
   Array(const ArraySize& size, const T* elements) : size_(size), elements_(elements, elements + size.numElements()) {}
 
+  /// The extents, the type, and the elements in index order: the first column from top to bottom, then the next one.
+  /// References and iterators live as long as the array or a copy of it.
+  /// @{
   [[nodiscard]] const ArraySize& size() const noexcept { return size_; }
   [[nodiscard]] static constexpr ElementType elementType() noexcept { return detail::ElementTypeOf<T>::value; }
   [[nodiscard]] ArrayType type() const noexcept { return {elementType(), size_}; }
   [[nodiscard]] std::size_t numElements() const noexcept { return elements_.size(); }
   [[nodiscard]] const_iterator begin() const noexcept { return elements_.begin(); }
   [[nodiscard]] const_iterator end() const noexcept { return elements_.end(); }
+  /// @}
   /// The `i`-th element in index order, from 0; there must be one.
   [[nodiscard]] const T& operator[](std::size_t i) const noexcept { return elements_[i]; }
   /// The element in a row and a column, from 0; there must be one.

@@ -19,13 +19,20 @@ namespace nvf {
 template <class Derived>
 class CheckedText {
 public:
+  /// Equal texts share their code units.
   using Text = BasicTableString<char16_t>;
 
+  /// The text; it lives as long as the process.
   [[nodiscard]] const Text& text() const noexcept { return text_; }
+  /// The same as a view.
   [[nodiscard]] ustring_view view() const noexcept { return text_.view(); }
+  /// A copy of the text.
   [[nodiscard]] ustring string() const { return text_; }
+  /// The code units, closed by a zero that `size` does not count.
   [[nodiscard]] const char16_t* data() const noexcept { return text_.data(); }
+  /// The number of code units.
   [[nodiscard]] std::size_t size() const noexcept { return text_.size(); }
+  /// Whether there is no code unit, as in a default object only.
   [[nodiscard]] bool empty() const noexcept { return text_.empty(); }
 
   friend bool operator==(const CheckedText&, const CheckedText&) noexcept = default;
@@ -46,6 +53,7 @@ public:
 
 protected:
   CheckedText() noexcept = default;
+  /// For classes that have looked at the text.
   explicit CheckedText(Text text) noexcept : text_(text) {}
 
 private:

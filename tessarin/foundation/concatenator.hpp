@@ -31,13 +31,16 @@ public:
     }
   }
 
+  /// Whether there is no element left; the other members want one.
   [[nodiscard]] bool done() const noexcept { return column_ == endColumn_; }
   /// The row and the column of the element in the whole array, from 0.
   [[nodiscard]] std::size_t row() const noexcept { return row_; }
+  /// See `row`.
   [[nodiscard]] std::size_t column() const noexcept { return column_; }
   /// The place of the element in the index order of the whole array, from 0.
   [[nodiscard]] std::size_t offset() const noexcept { return column_ * wholeRows_ + row_; }
 
+  /// Goes on to the next element.
   Indexer& operator++() noexcept {
     if (++row_ == endRow_) {
       row_ = firstRow_;
@@ -65,6 +68,7 @@ enum class Dimension : unsigned char {
 template <ArrayElement T>
 class Concatenator {
 public:
+  /// For arrays that are put together along this dimension.
   explicit Concatenator(Dimension dimension) : dimension_(dimension) {}
 
   /// Throws `InvalidArraySize`, and leaves the parts as they were, where the array does not have the other extent of
@@ -79,6 +83,7 @@ public:
   /// The extents of the result.
   [[nodiscard]] const ArraySize& size() const noexcept { return size_; }
 
+  /// The arrays added so far as one; an empty array where there was none.
   [[nodiscard]] Array<T> result() const {
     std::vector<T> elements(size_.numElements());
     std::size_t row = 0;

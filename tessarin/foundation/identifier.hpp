@@ -21,9 +21,11 @@
 
 namespace nvf {
 
+/// "A" to "Z" and "a" to "z".
 constexpr bool is_ascii_letter(char16_t unit) noexcept {
   return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z');
 }
+/// "0" to "9".
 constexpr bool is_ascii_digit(char16_t unit) noexcept {
   return unit >= u'0' && unit <= u'9';
 }
@@ -39,18 +41,21 @@ constexpr bool is_identifier(ustring_view text) noexcept {
 /// Thrown where text that must be an identifier is not.
 class TESSARIN_EXPORT InvalidCxId : public Exception {
 public:
+  /// For the text that is no identifier.
   explicit InvalidCxId(ustring_view text);
 };
 
 /// Thrown where a path has fewer names than it must have.
 class TESSARIN_EXPORT IdPathTooShort : public Exception {
 public:
+  /// For a path of `actual` names where `minimum` are wanted.
   IdPathTooShort(unsigned long actual, unsigned long minimum);
 };
 
 /// Thrown where text that must be the id of a message is not.
 class TESSARIN_EXPORT InvalidMessageId : public Exception {
 public:
+  /// For the text that is no message identifier.
   explicit InvalidMessageId(ustring_view text);
 };
 
@@ -97,32 +102,46 @@ TESSARIN_EXPORT ustring join_ids(const Expressions<CxId>& ids);
 template <std::size_t minimum>
 class BasicCxIdPath {
 public:
+  /// As the standard library names them. Iterators are pointers, and the sequence cannot be changed through them.
+  /// @{
   using value_type = CxId;
   using const_iterator = const CxId*;
   using iterator = const_iterator;
+  /// @}
 
   BasicCxIdPath() noexcept requires(minimum == 0) = default;
+  /// Throws `IdPathTooShort` where there are fewer names than `minimum`.
+  /// @{
   explicit BasicCxIdPath(Expressions<CxId> ids) : ids_(std::move(ids)) {
     if (ids_.size() < minimum) detail::id_path_too_short(ids_.size(), minimum);
   }
   explicit BasicCxIdPath(const std::vector<CxId>& ids) : BasicCxIdPath(Expressions<CxId>(ids)) {}
   BasicCxIdPath(std::initializer_list<CxId> ids) : BasicCxIdPath(Expressions<CxId>(ids)) {}
+  /// @}
   /// Splits a dotted text.
   explicit BasicCxIdPath(ustring_view dotted) : BasicCxIdPath(detail::parse_ids(dotted.data(), dotted.size())) {}
+  /// The same for ASCII text.
   explicit BasicCxIdPath(std::string_view dotted) : BasicCxIdPath(detail::parse_ids(dotted.data(), dotted.size())) {}
+  /// A path with another minimum; explicit, and throwing like the above, where that is lower.
   template <std::size_t other>
   requires(other != minimum) explicit(other < minimum) BasicCxIdPath(const BasicCxIdPath<other>& path)
       : BasicCxIdPath(path.ids()) {}
 
+  /// The names from left to right; they live as long as the path or a copy of it.
+  /// @{
   [[nodiscard]] const Expressions<CxId>& ids() const noexcept { return ids_; }
   [[nodiscard]] const_iterator begin() const noexcept { return ids_.begin(); }
   [[nodiscard]] const_iterator end() const noexcept { return ids_.end(); }
   [[nodiscard]] std::size_t size() const noexcept { return ids_.size(); }
   [[nodiscard]] bool empty() const noexcept { return ids_.empty(); }
+  /// @}
   /// The `i`-th name, from 0; there must be one.
   [[nodiscard]] const CxId& operator[](std::size_t i) const noexcept { return ids_[i]; }
+  /// The first and the last name; there must be one.
+  /// @{
   [[nodiscard]] const CxId& front() const noexcept { return ids_.front(); }
   [[nodiscard]] const CxId& back() const noexcept { return ids_.back(); }
+  /// @}
 
   /// The names with a dot between them.
   [[nodiscard]] ustring string() const { return detail::join_ids(ids_); }

@@ -23,13 +23,18 @@ namespace nvf {
 class TESSARIN_EXPORT FileName {
 public:
   FileName() noexcept = default;
+  /// Keeps the bytes of the path as they are.
   FileName(const std::filesystem::path& path) : native_(path.native()) {}
 
+  /// The path with the same bytes.
   [[nodiscard]] std::filesystem::path path() const { return {native_.view()}; }
   /// The path as text; bytes that are not UTF-8 show as U+FFFD.
   operator ustring() const { return utf8_string_to_ustring(std::string(native_.view())); }
+  /// The bytes of the path; the default one is empty.
+  /// @{
   [[nodiscard]] bool empty() const noexcept { return native_.empty(); }
   [[nodiscard]] const BasicTableString<char>& native() const noexcept { return native_; }
+  /// @}
 
   friend bool operator==(const FileName&, const FileName&) noexcept = default;
   friend Ordering compare(const FileName& a, const FileName& b) noexcept { return a.native_.compare_(b.native_); }
@@ -43,9 +48,12 @@ private:
 /// A line and a column in one 64-bit word: 40 bits of line, 24 bits of column, both from 0, the column in UTF-16 units.
 class TESSARIN_EXPORT LineColumn {
 public:
+  /// How the two numbers share 64 bits, and how large they can be.
+  /// @{
   static constexpr unsigned columnBits = 24;
   static constexpr unsigned long maxColumn = (1UL << columnBits) - 1;
   static constexpr unsigned long maxLine = (1UL << (64 - columnBits)) - 1;
+  /// @}
 
   /// Thrown where a line or a column does not fit.
   class TESSARIN_EXPORT ValueTooLarge : public std::overflow_error {
@@ -54,12 +62,16 @@ public:
   };
 
   constexpr LineColumn() noexcept = default;
+  /// Counted from 0. Throws `ValueTooLarge` beyond `maxLine` and `maxColumn`.
   constexpr LineColumn(unsigned long line, unsigned long column) : packed_(line << columnBits | column) {
     if (line > maxLine || column > maxColumn) throw ValueTooLarge();
   }
 
+  /// Counted from 0; columns in code units.
+  /// @{
   [[nodiscard]] constexpr unsigned long line() const noexcept { return packed_ >> columnBits; }
   [[nodiscard]] constexpr unsigned long column() const noexcept { return packed_ & maxColumn; }
+  /// @}
 
   friend constexpr auto operator<=>(const LineColumn&, const LineColumn&) noexcept = default;
   friend constexpr Ordering compare(const LineColumn& a, const LineColumn& b) noexcept { return order(a, b); }
@@ -72,11 +84,15 @@ private:
 class TESSARIN_EXPORT Location {
 public:
   Location() noexcept = default;
+  /// A place in a file.
   Location(const FileName& fileName, const LineColumn& lineColumn) noexcept
       : fileName_(fileName), lineColumn_(lineColumn) {}
 
+  /// The file and the place in it.
+  /// @{
   [[nodiscard]] const FileName& fileName() const noexcept { return fileName_; }
   [[nodiscard]] const LineColumn& lineColumn() const noexcept { return lineColumn_; }
+  /// @}
 
   friend bool operator==(const Location&, const Location&) noexcept = default;
   /// By file name, then by line and column.
@@ -97,10 +113,14 @@ private:
 class TESSARIN_EXPORT Range {
 public:
   Range() noexcept = default;
+  /// The end is the place behind the last code unit. Nothing is checked.
   Range(const Location& begin, const Location& end) noexcept : begin_(begin), end_(end) {}
 
+  /// The first place, and the place behind the last.
+  /// @{
   [[nodiscard]] const Location& begin() const noexcept { return begin_; }
   [[nodiscard]] const Location& end() const noexcept { return end_; }
+  /// @}
 
   /// The smallest range over both. A default range adds nothing; for ranges of two files it is from the begin of the
   /// left one to the end of the right one.
@@ -119,6 +139,7 @@ private:
 
 /// An entry of an exception's stack.
 struct StackFrame {
+  /// The file that the place is in.
   FileName fileName;
   ustring name;         ///< the function or element
   std::size_t line = 0; ///< from 0
@@ -149,6 +170,7 @@ struct FileBufferDisplay {
 template <class CharT, class Display>
 class FileBuffer {
 public:
+  /// The code units of a file.
   using Text = std::vector<CharT>;
 
   /// `text` may be null for an empty buffer.
@@ -157,10 +179,13 @@ public:
   FileBuffer(FileName fileName, std::basic_string_view<CharT> text)
       : FileBuffer(fileName, std::make_shared<const Text>(text.begin(), text.end())) {}
 
+  /// The file name and the code units, which live as long as the buffer or a copy of it.
+  /// @{
   [[nodiscard]] const FileName& fileName() const noexcept { return fileName_; }
   [[nodiscard]] std::basic_string_view<CharT> text() const noexcept {
     return text_ ? std::basic_string_view<CharT>(text_->data(), text_->size()) : std::basic_string_view<CharT>();
   }
+  /// @}
   /// The line of the given number, from 0, without its line end.
   [[nodiscard]] std::basic_string_view<CharT> line(std::size_t number) const { return Display::line(text(), number); }
 

@@ -20,6 +20,7 @@
 
 namespace nvf {
 
+/// How grave a message is.
 enum class Severity : unsigned char { Warning, Error };
 
 /// The kind of an argument, as the rows of the catalog name it.
@@ -28,9 +29,13 @@ enum class ArgumentKind : unsigned char { Where, Text, Integer };
 /// A row of the catalog.
 struct MessageInfo {
   std::string_view catalog; ///< such as "kelvane:tessarin:compiler:core:parse"
+  /// The name within its catalog, and how grave it is.
+  /// @{
   std::string_view id;
   Severity severity;
+  /// @}
   std::string_view text; ///< with `{n}` for the n-th argument, from 1
+  /// The sorts of the arguments, in their order.
   std::span<const ArgumentKind> arguments;
 };
 
@@ -46,25 +51,33 @@ inline constexpr std::string_view catalogPrefix = "kelvane:tessarin:compiler:cor
 /// The extension of the files in which translations of the catalogs are kept.
 inline constexpr std::string_view catalogExtension = ".kvmsg";
 
+/// A number, or a text.
 using MessageArgument = std::variant<long, ustring>;
 
 /// A message before it is formatted.
 struct TESSARIN_EXPORT BaseMsgID {
+  /// The arguments in their order, the catalog, and the name in it.
+  /// @{
   std::vector<MessageArgument> arguments;
   std::string catalog;
   std::string id;
+  /// @}
   friend bool operator==(const BaseMsgID&, const BaseMsgID&) = default;
 };
 
 /// A message that can be shown.
 class TESSARIN_EXPORT Message {
 public:
+  /// A message without a place.
   explicit Message(BaseMsgID id) : id_(std::move(id)) {}
   /// A message about a place, which tools can read as such.
   Message(BaseMsgID id, const Location& location) : id_(std::move(id)), location_(location) {}
 
+  /// What is said, and about which place, if any.
+  /// @{
   [[nodiscard]] const BaseMsgID& id() const noexcept { return id_; }
   [[nodiscard]] const std::optional<Location>& location() const noexcept { return location_; }
+  /// @}
   /// Of a message that the catalog does not know: `Error`.
   [[nodiscard]] Severity severity() const;
   /// The sentence of the catalog with its arguments, without the place. A message that the catalog does not know shows
@@ -86,6 +99,7 @@ TESSARIN_EXPORT ustring file_line_column_message(const Location& location);
 /// An error without a place.
 class TESSARIN_EXPORT MessageException : public Exception {
 public:
+  /// Copies the message; its text is made at once.
   explicit MessageException(const Message& message);
   MessageException(const MessageException&) = default;
   MessageException(MessageException&&) = default;
@@ -93,8 +107,12 @@ public:
   MessageException& operator=(MessageException&&) = default;
   ~MessageException() override;
 
+  /// What is said.
+  /// @{
   [[nodiscard]] const BaseMsgID& id() const noexcept { return message_value_.id(); }
   [[nodiscard]] const Message& message() const noexcept { return message_value_; }
+  /// @}
+  /// A copy of the exception with its dynamic type.
   [[nodiscard]] virtual std::unique_ptr<MessageException> clone() const;
   /// The text of the message.
   [[nodiscard]] ustring fullMessage() const;
@@ -102,6 +120,7 @@ public:
 protected:
   /// Fill in the text that is shown.
   virtual void message_(std::string& text) const;
+  /// See above.
   virtual void message_(ustring& text) const;
 
 private:
@@ -111,6 +130,7 @@ private:
 /// An error at a place. The first argument of its message says where, with or without the column.
 class TESSARIN_EXPORT LocationException : public Exception {
 public:
+  /// `showColumn` says whether the place is shown with its column.
   LocationException(const Message& message, Location location, bool showColumn);
   LocationException(const LocationException&) = default;
   LocationException(LocationException&&) = default;
@@ -118,12 +138,16 @@ public:
   LocationException& operator=(LocationException&&) = default;
   ~LocationException() override;
 
+  /// What is said, about which place, and the text of the message.
+  /// @{
   [[nodiscard]] const BaseMsgID& id() const noexcept { return message_.id(); }
   [[nodiscard]] const Message& message() const noexcept { return message_; }
   [[nodiscard]] const Location& location() const noexcept { return location_; }
   [[nodiscard]] bool showColumn() const noexcept { return showColumn_; }
   [[nodiscard]] ustring fullMessage() const { return message_.fullMessage(); }
+  /// @}
 
+  /// The place as it stands in messages: file, line and, where it is shown, column, both from 1.
   static ustring loc2str(const Location& location, bool showColumn);
 
 private:
@@ -136,6 +160,7 @@ private:
 template <class Msg>
 class LocatedError : public LocationException {
 public:
+  /// The message of the type `Msg`: its first argument is the place as text, the others are `arguments`.
   template <class... Arguments>
   LocatedError(const Location& location, bool showColumn, const Arguments&... arguments)
       : LocationException(Message(Msg(loc2str(location, showColumn), arguments...), location), location, showColumn) {}

@@ -13,6 +13,8 @@ namespace nvf {
 /// Text for an argument of a message.
 class MessageText {
 public:
+  /// Text of every sort that is at hand; narrow text is UTF-8.
+  /// @{
   MessageText(ustring text) : text_(std::move(text)) {}
   MessageText(ustring_view text) : text_(text) {}
   MessageText(const char16_t* text) : text_(text) {}
@@ -20,6 +22,7 @@ public:
   MessageText(const std::string& text) : text_(utf8_string_to_ustring(text)) {}
   MessageText(const char* text) : text_(utf8_string_to_ustring(text)) {}
   operator MessageArgument() && { return std::move(text_); }
+  /// @}
 
 private:
   ustring text_;
@@ -28,8 +31,11 @@ private:
 /// A number for an argument of a message.
 class MessageInteger {
 public:
+  /// Any whole number that fits.
+  /// @{
   MessageInteger(std::integral auto value) : value_(static_cast<long>(value)) {}
   operator MessageArgument() && { return value_; }
+  /// @}
 
 private:
   long value_;
@@ -43,6 +49,7 @@ using MessageArgumentOf = std::conditional_t<kind == ArgumentKind::Integer, Mess
 /// A message whose arguments are of the given kinds.
 template <ArgumentKind... kinds>
 struct CatalogMessage : BaseMsgID {
+  /// With the arguments in their order; a wrong number of them does not compile.
   CatalogMessage(std::string_view catalogName, std::string_view idName,
                  detail::MessageArgumentOf<kinds>... messageArguments) {
     catalog = catalogName;

@@ -120,9 +120,11 @@ public:
   virtual ~DumpSink();
   /// A node begins; `range` is null where the class has none.
   virtual void beginNode(const std::string& className, const Range* range) = 0;
+  /// The node that began last ends.
   virtual void endNode() = 0;
   /// A sequence or an absent optional begins: `size` parts follow before `endList`.
   virtual void beginList(std::size_t size) = 0;
+  /// The list that began last ends.
   virtual void endList() = 0;
   /// A field that is no node.
   virtual void value(const ustring& text) = 0;
@@ -330,12 +332,20 @@ void show(DumpSink& sink, const T& field) {
 /// the class and compiled once, in the library. A class that is odd in one of them specialises that member.
 template <class T>
 struct TESSARIN_EXPORT Operations {
+  /// Over the fields; of a tagged union, over the alternative and its number. A shared hash is computed once.
   static std::size_t hash(const T& value);
+  /// What the fields feed; a tagged union feeds the number of the alternative as 8 bytes first.
   static void digest(DigestSink& sink, const T& value);
+  /// The lexicographic order of the fields; of tagged unions, by number first.
   static Ordering compare(const T& a, const T& b);
+  /// Whether all fields are equal; objects that share their fields are, unseen.
   static bool equal(const T& a, const T& b);
+  /// The same, by a walk over everything.
   static bool equalLoosely(const T& a, const T& b);
+  /// Unshares the fields, forgets the hash, and does the same below.
   static void strip(T& value);
+  /// Shows the class as a node, with its range where it has one, and the fields in it; of a tagged union, the
+  /// alternative alone.
   static void dump(DumpSink& sink, const T& value);
 };
 
@@ -433,6 +443,7 @@ public:
 
 protected:
   TupleWrapper() = default;
+  /// One value for each field.
   template <class... Values>
   requires(sizeof...(Values) == sizeof...(Fields) && sizeof...(Values) > 0) explicit TupleWrapper(Values&&... values)
       : fields_(std::forward<Values>(values)...) {}
@@ -457,6 +468,7 @@ public:
 
 protected:
   TupleWrapper() : block_(new Block) {}
+  /// One value for each field.
   template <class... Values>
   requires(sizeof...(Values) == sizeof...(Fields) && sizeof...(Values) > 0) explicit TupleWrapper(Values&&... values)
       : block_(new Block(std::forward<Values>(values)...)) {}
@@ -494,6 +506,7 @@ template <class Self, class... Alternatives>
 class TaggedUnion : public Relatable<Self, NativeEquality> {
 public:
   TaggedUnion() = default;
+  /// Holds the alternative, whose type is one of them exactly.
   template <class A>
   requires(std::same_as<A, Alternatives> || ...) TaggedUnion(A alternative)
       : value_(std::move(alternative)) {} // NOLINT(google-explicit-constructor)
@@ -641,11 +654,15 @@ void Operations<T>::dump(DumpSink& sink, const T& value) {
 template <class T>
 class Handle {
 public:
+  /// Holds a copy of the target; a null pointer stands for the default target.
+  /// @{
   Handle() : block_(new Block(T())) {}
   Handle(const T& target) : block_(new Block(target)) {}       // NOLINT(google-explicit-constructor)
   Handle(T&& target) : block_(new Block(std::move(target))) {} // NOLINT(google-explicit-constructor)
   explicit Handle(std::unique_ptr<T> target) : Handle(target ? std::move(*target) : T()) {}
+  /// @}
 
+  /// The target; it lives as long as a handle shares it.
   [[nodiscard]] const T& get() const noexcept { return block_->target; }
   /// The target for changing it: it is copied first where other handles share it.
   [[nodiscard]] T& get() { return block_.unshared().target; }

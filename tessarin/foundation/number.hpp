@@ -19,6 +19,7 @@ namespace nvf {
 /// Thrown where text that must be a number is not.
 class TESSARIN_EXPORT InvalidNumberString : public Exception {
 public:
+  /// For the text that is no number.
   explicit InvalidNumberString(ustring_view text);
 };
 
@@ -34,6 +35,7 @@ TESSARIN_EXPORT double to_number(ustring_view text);
 TESSARIN_EXPORT ustring number_text(double number);
 /// The number in decimal digits.
 TESSARIN_EXPORT ustring number_text(int number);
+/// The number in decimal digits.
 TESSARIN_EXPORT ustring number_text(unsigned long number);
 
 /// The whole number that the text consists of: digits in a base, of a signed type perhaps with "-" before them. Nothing
@@ -56,8 +58,11 @@ class TESSARIN_EXPORT NumberString : public CheckedText<NumberString> {
 public:
   /// The `number_text` of the number.
   explicit NumberString(double number) : NumberString(Text(number_text(number))) {}
+  /// The number in decimal digits.
+  /// @{
   explicit NumberString(int number) : NumberString(Text(number_text(number))) {}
   explicit NumberString(unsigned long number) : NumberString(Text(number_text(number))) {}
+  /// @}
 
   /// The `to_number` of the text: ask `isImaginary` where that makes a difference.
   [[nodiscard]] double number() const { return to_number(view()); }

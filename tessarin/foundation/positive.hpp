@@ -21,6 +21,7 @@ public:
 template <std::integral T>
 class Positive {
 public:
+  /// What the constructor throws.
   using NonPositiveValueFound = nvf::NonPositiveValueFound;
 
   /// Throws `NonPositiveValueFound` where the value is not positive.
@@ -28,8 +29,11 @@ public:
     if (value <= 0) throw NonPositiveValueFound();
   }
 
+  /// The number, which is above 0.
+  /// @{
   [[nodiscard]] constexpr T value() const noexcept { return value_; }
   constexpr operator T() const noexcept { return value_; }
+  /// @}
 
   friend constexpr bool operator==(const Positive&, const Positive&) noexcept = default;
   friend constexpr Ordering compare(const Positive& a, const Positive& b) noexcept { return order(a.value_, b.value_); }

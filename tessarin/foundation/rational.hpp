@@ -38,17 +38,23 @@ public:
     return result;
   }
 
+  /// In lowest terms; the denominator is above 0.
+  /// @{
   [[nodiscard]] constexpr std::int32_t numerator() const noexcept { return numerator_; }
   [[nodiscard]] constexpr std::int32_t denominator() const noexcept { return denominator_; }
   [[nodiscard]] constexpr bool isWhole() const noexcept { return denominator_ == 1; }
+  /// @}
 
+  /// The sum, or nothing where it does not fit.
   [[nodiscard]] constexpr std::optional<Rational> plus(const Rational& other) const noexcept {
     return make(numerator64() * other.denominator_ + other.numerator64() * denominator_,
                 denominator64() * other.denominator_);
   }
+  /// The product, or nothing where it does not fit.
   [[nodiscard]] constexpr std::optional<Rational> times(const Rational& other) const noexcept {
     return make(numerator64() * other.numerator_, denominator64() * other.denominator_);
   }
+  /// The number with the other sign.
   [[nodiscard]] constexpr Rational negated() const noexcept {
     Rational result = *this;
     result.numerator_ = -numerator_;

@@ -22,27 +22,39 @@ namespace nvf {
 template <class T>
 class Expressions {
 public:
+  /// As the standard library names them. Iterators are pointers, and the sequence cannot be changed through them.
+  /// @{
   using value_type = T;
   using const_iterator = const T*;
   using iterator = const_iterator;
+  /// @}
 
   Expressions() noexcept = default;
+  /// With copies of the elements.
+  /// @{
   Expressions(std::initializer_list<T> elements) : Expressions(elements.begin(), elements.end()) {}
   template <std::forward_iterator Iterator>
   Expressions(Iterator first, Iterator last) : Expressions(first, countOf(first, last)) {}
   explicit Expressions(const std::vector<T>& elements) : Expressions(elements.begin(), elements.size()) {}
+  /// @}
   /// Moves the elements out of the vector.
   explicit Expressions(std::vector<T>&& elements)
       : Expressions(std::make_move_iterator(elements.begin()), elements.size()) {}
 
+  /// The elements, which live as long as the sequence or a copy of it.
+  /// @{
   [[nodiscard]] const_iterator begin() const noexcept { return empty() ? nullptr : block_->elements(); }
   [[nodiscard]] const_iterator end() const noexcept { return begin() + size(); }
   [[nodiscard]] std::size_t size() const noexcept { return empty() ? 0 : block_->size; }
   [[nodiscard]] bool empty() const noexcept { return !block_; }
+  /// @}
   /// The `i`-th element, from 0; there must be one.
   [[nodiscard]] const T& operator[](std::size_t i) const noexcept { return begin()[i]; }
+  /// The first and the last element; there must be one.
+  /// @{
   [[nodiscard]] const T& front() const noexcept { return *begin(); }
   [[nodiscard]] const T& back() const noexcept { return end()[-1]; }
+  /// @}
 
   friend bool operator==(const Expressions& a, const Expressions& b) {
     return a.block_ == b.block_ || (a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin()));
@@ -70,8 +82,9 @@ public:
 private:
   /// The elements follow the block in memory.
   struct Block final : SharedBlock {
+    /// The memory behind the block.
     struct Room {
-      std::size_t bytes;
+      std::size_t bytes; ///< Its size.
     };
     static void* operator new(std::size_t head, Room room) { return ::operator new(head + room.bytes); }
     static void operator delete(void* memory, Room) noexcept { ::operator delete(memory); }
@@ -122,29 +135,42 @@ public:
 template <class T>
 class Expressions1 {
 public:
+  /// As the standard library names them. Iterators are pointers, and the sequence cannot be changed through them.
+  /// @{
   using value_type = T;
   using const_iterator = const T*;
   using iterator = const_iterator;
+  /// @}
 
   /// Each constructor throws `InvalidExpressions1` where there is no element.
   explicit Expressions1(Expressions<T> elements) : elements_(std::move(elements)) {
     if (elements_.empty()) throw InvalidExpressions1();
   }
+  /// Throws `InvalidExpressions1` where there is no element.
+  /// @{
   Expressions1(std::initializer_list<T> elements) : Expressions1(Expressions<T>(elements)) {}
   template <std::forward_iterator Iterator>
   Expressions1(Iterator first, Iterator last) : Expressions1(Expressions<T>(first, last)) {}
   explicit Expressions1(const std::vector<T>& elements) : Expressions1(Expressions<T>(elements)) {}
   explicit Expressions1(std::vector<T>&& elements) : Expressions1(Expressions<T>(std::move(elements))) {}
+  /// @}
 
+  /// The same elements where there may be none.
   operator const Expressions<T>&() const noexcept { return elements_; }
 
+  /// The elements, which live as long as the sequence or a copy of it.
+  /// @{
   [[nodiscard]] const_iterator begin() const noexcept { return elements_.begin(); }
   [[nodiscard]] const_iterator end() const noexcept { return elements_.end(); }
   [[nodiscard]] std::size_t size() const noexcept { return elements_.size(); }
+  /// @}
   /// The `i`-th element, from 0; there must be one.
   [[nodiscard]] const T& operator[](std::size_t i) const noexcept { return elements_[i]; }
+  /// The first and the last element.
+  /// @{
   [[nodiscard]] const T& front() const noexcept { return elements_.front(); }
   [[nodiscard]] const T& back() const noexcept { return elements_.back(); }
+  /// @}
 
   friend bool operator==(const Expressions1& a, const Expressions1& b) { return a.elements_ == b.elements_; }
   friend Ordering compare(const Expressions1& a, const Expressions1& b) { return compare(a.elements_, b.elements_); }

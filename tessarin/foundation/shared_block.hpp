@@ -22,9 +22,12 @@ namespace nvf {
 /// atomic operation, which would cost several times as much.
 class OwnerCount {
 public:
+  /// With so many owners.
   explicit OwnerCount(std::uint32_t count) noexcept : count_(count) {}
 
+  /// How many owners there are, which may have changed when the caller looks at it.
   [[nodiscard]] std::uint32_t value() const noexcept { return count_.load(std::memory_order_acquire); }
+  /// One owner more.
   void increment() noexcept {
     if (isSingleThreaded()) {
       count_.store(count_.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
@@ -58,15 +61,19 @@ class TESSARIN_EXPORT SharedBlock { // NOLINT(cppcoreguidelines-virtual-class-de
 public:
   SharedBlock& operator=(const SharedBlock&) = delete;
 
+  /// Takes and gives back a share; the last one given back destroys the block.
+  /// @{
   void retain() noexcept { owners_.increment(); }
   void release() noexcept {
     if (owners_.subtract(1) == 0) destroy(this);
   }
+  /// @}
   /// Whether the caller, who owns a share, is the only owner.
   [[nodiscard]] bool isUnique() const noexcept { return owners_.value() == 1; }
 
   /// The hash of the contents, 0 where it is not known. Threads that compute it at the same time store the same value.
   [[nodiscard]] std::size_t cachedHash() const noexcept { return hash_.load(std::memory_order_relaxed); }
+  /// Remembers the hash; 0 forgets it.
   void cacheHash(std::size_t hash) const noexcept { hash_.store(hash, std::memory_order_relaxed); }
 
 protected:
@@ -90,6 +97,8 @@ public:
   constexpr SharedPtr() noexcept = default;
   /// Takes the share that `new` gave to the caller.
   explicit SharedPtr(SharedBlock* block) noexcept : block_(block) {}
+  /// Copies take a share, and moves hand it over.
+  /// @{
   SharedPtr(const SharedPtr& other) noexcept : block_(other.block_) {
     if (block_ != nullptr) block_->retain();
   }
@@ -98,13 +107,17 @@ public:
     std::swap(block_, other.block_);
     return *this;
   }
+  /// @}
   ~SharedPtr() {
     if (block_ != nullptr) block_->release();
   }
 
+  /// The block, which is read only here; whether there is one.
+  /// @{
   [[nodiscard]] const Block& operator*() const noexcept { return *static_cast<const Block*>(block_); }
   [[nodiscard]] const Block* operator->() const noexcept { return static_cast<const Block*>(block_); }
   [[nodiscard]] explicit operator bool() const noexcept { return block_ != nullptr; }
+  /// @}
 
   /// The block for changing it; the caller must be its only owner.
   [[nodiscard]] Block& exclusive() noexcept { return *static_cast<Block*>(block_); }

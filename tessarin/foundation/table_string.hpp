@@ -39,9 +39,12 @@ inline constexpr CharT emptyText[1]{};
 template <class CharT>
 class BasicTableString {
 public:
+  /// As the standard library names them.
+  /// @{
   using value_type = CharT;
   using view_type = std::basic_string_view<CharT>;
   using const_iterator = const CharT*;
+  /// @}
 
   /// The empty string.
   constexpr BasicTableString() noexcept = default;
@@ -49,21 +52,26 @@ public:
   explicit BasicTableString(const CharT* text) : BasicTableString(view_type(text)) {}
   /// Interns `size` code units.
   BasicTableString(const CharT* text, std::size_t size) : entry_(size == 0 ? nullptr : detail::intern(text, size)) {}
+  /// The interned copy of a text.
   explicit BasicTableString(view_type text) : BasicTableString(text.data(), text.size()) {}
 
   /// The text, closed by a zero that `size` does not count.
   [[nodiscard]] const CharT* data() const noexcept {
     return empty() ? detail::emptyText<CharT> : reinterpret_cast<const CharT*>(entry_ + 1);
   }
+  /// The text, its size in characters, and views of it, which live as long as the process.
+  /// @{
   [[nodiscard]] std::size_t size() const noexcept { return empty() ? 0 : entry_->size; }
   [[nodiscard]] bool empty() const noexcept { return entry_ == nullptr; }
   [[nodiscard]] const_iterator begin() const noexcept { return data(); }
   [[nodiscard]] const_iterator end() const noexcept { return data() + size(); }
   [[nodiscard]] view_type view() const noexcept { return {data(), size()}; }
   operator std::basic_string<CharT>() const { return std::basic_string<CharT>(view()); }
+  /// @}
 
   /// The hash of the text; it does not depend on where the entry lies. The empty string hashes to 0.
   [[nodiscard]] std::size_t hash() const noexcept { return empty() ? 0 : entry_->hash; }
+  /// Whether the texts are equal: they are one object then.
   [[nodiscard]] bool equal_(const BasicTableString& other) const noexcept { return entry_ == other.entry_; }
   /// The order of the texts, unit by unit as the character type compares, a prefix being less.
   [[nodiscard]] Ordering compare_(const BasicTableString& other) const noexcept {

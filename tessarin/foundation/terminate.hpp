@@ -10,10 +10,13 @@ namespace nvf {
 
 /// A fatal diagnostic: what is wrong, and where in the library it was found.
 struct FatalDiagnostic {
+  /// What is wrong, and the file, the line, from 1, and the function of this library that found it.
+  /// @{
   std::string text;
   std::string sourceFile;
   int line;
   std::string signature;
+  /// @}
 };
 
 /// Called for a fatal diagnostic. It may throw, so that a host survives; if it returns, the process is aborted.
@@ -29,12 +32,14 @@ TESSARIN_EXPORT TerminateHandler set_terminate_handler(TerminateHandler handler)
 /// What `throw_fatal_error` throws.
 class TESSARIN_EXPORT FatalError : public Exception {
 public:
+  /// With what the handler was told.
   explicit FatalError(FatalDiagnostic diagnostic);
   FatalError(const FatalError&) = default;
   FatalError(FatalError&&) = default;
   FatalError& operator=(const FatalError&) = default;
   FatalError& operator=(FatalError&&) = default;
   ~FatalError() override;
+  /// What the handler was told.
   [[nodiscard]] const FatalDiagnostic& diagnostic() const noexcept { return diagnostic_; }
 
 private:

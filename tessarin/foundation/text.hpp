@@ -14,10 +14,13 @@
 #include <string>
 #include <string_view>
 
+/// The foundation, which knows nothing of the language: text, places, messages, values, and the mechanism of value
+/// classes.
 namespace nvf {
 
 /// A string of UTF-16 code units.
 using ustring = std::u16string;
+/// A view of one.
 using ustring_view = std::u16string_view;
 
 /// The hash of a `ustring`: the mixing step over its code units from 0, the same on every machine.
@@ -29,6 +32,7 @@ TESSARIN_EXPORT void incorporate_data(DigestSink& sink, ustring_view text);
 /// Thrown by `decode_utf8` for bytes that are not UTF-8.
 class TESSARIN_EXPORT InvalidUtf8 : public std::runtime_error {
 public:
+  /// With the offset in bytes, from 0.
   explicit InvalidUtf8(std::size_t offset);
   /// The offset in bytes, from 0, of the first byte of the invalid sequence.
   [[nodiscard]] std::size_t offset() const noexcept { return offset_; }
@@ -76,6 +80,7 @@ TESSARIN_EXPORT void setup_stream_locale(std::basic_ostringstream<char16_t>& str
 /// Thrown where text that must be ASCII is not.
 class TESSARIN_EXPORT NotAscii : public std::invalid_argument {
 public:
+  /// With the offset, from 0.
   explicit NotAscii(std::size_t offset);
   /// The offset from 0 of the first code unit or byte above 127.
   [[nodiscard]] std::size_t offset() const noexcept { return offset_; }
@@ -92,9 +97,12 @@ struct AsciiStringCheck;
 class AsciiString {
 public:
   AsciiString() = default;
+  /// The text as UTF-16; one code unit for each byte.
+  /// @{
   [[nodiscard]] const ustring& text() const noexcept { return text_; }
   [[nodiscard]] const char16_t* data() const noexcept { return text_.data(); }
   [[nodiscard]] std::size_t size() const noexcept { return text_.size(); }
+  /// @}
   friend bool operator==(const AsciiString&, const AsciiString&) = default;
 
 private:

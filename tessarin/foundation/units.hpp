@@ -30,6 +30,7 @@ namespace nvf {
 /// catalog does not know a unit.
 class TESSARIN_EXPORT InvalidUnitExpression : public Exception {
 public:
+  /// For the text, and what is wrong with it.
   InvalidUnitExpression(ustring_view text, const std::string& fault);
 };
 
@@ -39,8 +40,11 @@ struct CheckExprString;
 
 /// A power of a unit.
 struct UnitPower {
+  /// The name of the unit, and how often it is a factor; negative where it divides.
+  /// @{
   CxId unit;
   Rational exponent;
+  /// @}
   friend bool operator==(const UnitPower&, const UnitPower&) noexcept = default;
 };
 
@@ -78,10 +82,12 @@ struct TESSARIN_EXPORT CheckExprString {
 /// What the text of a unit says.
 class TESSARIN_EXPORT UnitExpression {
 public:
+  /// Reads the text, which has been checked.
   explicit UnitExpression(const ExprString& text);
   /// The default unit, which is 1. The argument only selects this constructor; both values mean the same: intended.
   explicit UnitExpression(bool) noexcept {}
 
+  /// The product that the text stands for.
   [[nodiscard]] const RawExpr& raw() const noexcept { return raw_; }
 
 private:
@@ -96,11 +102,13 @@ public:
   UnitContext(const UnitContext&) = default;
   UnitContext& operator=(const UnitContext&) = default;
   virtual ~UnitContext();
+  /// Whether the name is that of a unit; the default knows every name.
   [[nodiscard]] virtual bool knows(const CxId& unit) const;
 };
 
 /// What a `UnitsExpr` is made of.
 struct UnitsInfo {
+  /// In the order of the names, without exponents of 0.
   Factors factors;
   ExprString text; ///< the text of the factors, the same for equal units
 };
@@ -111,14 +119,18 @@ public:
   UnitsExpr() noexcept = default;
   /// Throws `InvalidUnitExpression` where an exponent grows too large, which that of a checked text does not.
   explicit UnitsExpr(const UnitExpression& expression);
+  /// Reads the text, which has been checked.
   explicit UnitsExpr(const ExprString& text) : UnitsExpr(UnitExpression(text)) {}
   /// Throws `InvalidUnitExpression` where the context does not know a unit. Factors with exponent 0 do not count.
   UnitsExpr(const UnitContext& context, const Factors& factors);
 
   /// Whether this is the unit 1, that of numbers without dimension.
   [[nodiscard]] bool isOne() const noexcept { return info_ == nullptr; }
+  /// The factors of the unit, and their text; they live as long as the unit or a copy of it.
+  /// @{
   [[nodiscard]] const UnitsInfo& info() const;
   [[nodiscard]] const Factors& factors() const { return info().factors; }
+  /// @}
   /// The text of the unit; it reads back as an equal unit.
   [[nodiscard]] const ExprString& text() const { return info().text; }
 

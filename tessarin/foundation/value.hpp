@@ -15,9 +15,11 @@ namespace nvf {
 /// An array of any built-in type of elements. Copies share the elements.
 class ValueData {
 public:
+  /// Holds the array.
   template <ArrayElement T>
   ValueData(Array<T> array) : array_(std::move(array)) {}
 
+  /// The type of the elements, and the extents.
   [[nodiscard]] ArrayType type() const;
   /// The array, or null where its elements are not of the type `T`.
   template <ArrayElement T>
@@ -45,6 +47,7 @@ private:
 /// Thrown where a constant is not of the type that it is asked for.
 class TESSARIN_EXPORT BadConstantAccess : public std::bad_variant_access {
 public:
+  /// "Unexpected index".
   [[nodiscard]] const char* what() const noexcept override { return "Unexpected index"; }
 };
 
@@ -52,9 +55,12 @@ public:
 template <ArrayElement T>
 class Constants {
 public:
+  /// One element, or an array of them.
+  /// @{
   explicit Constants(T scalar) : value_(std::move(scalar)) {}
   explicit Constants(Array<T> value) : value_(std::move(value)) {}
   [[nodiscard]] const Array<T>& value() const noexcept { return value_; }
+  /// @}
 
 private:
   Array<T> value_;
@@ -63,10 +69,13 @@ private:
 /// A constant of any built-in type.
 class Constant {
 public:
+  /// An array with any type of elements.
+  /// @{
   explicit Constant(ValueData value) : value_(std::move(value)) {}
   template <ArrayElement T>
   explicit Constant(const Constants<T>& constants) : value_(constants.value()) {}
   [[nodiscard]] const ValueData& value() const noexcept { return value_; }
+  /// @}
   /// The constant as one of the type `T`. Throws `BadConstantAccess` where it is of another type; nothing is converted.
   template <ArrayElement T>
   [[nodiscard]] Constants<T> as() const {
@@ -81,11 +90,17 @@ private:
 /// An array with a unit.
 class Value {
 public:
+  /// A constant and its unit.
+  /// @{
   Value(ValueData data, UnitsExpr unit) : data_(std::move(data)), unit_(std::move(unit)) {}
   Value(const Constant& constant, UnitsExpr unit) : Value(constant.value(), std::move(unit)) {}
+  /// @}
 
+  /// The constant and its unit.
+  /// @{
   [[nodiscard]] const ValueData& data() const noexcept { return data_; }
   [[nodiscard]] const UnitsExpr& unit() const noexcept { return unit_; }
+  /// @}
 
   friend bool operator==(const Value&, const Value&) = default;
   /// By data, then by unit.

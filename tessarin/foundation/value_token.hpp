@@ -29,6 +29,7 @@ namespace nvf {
 /// A number, perhaps with a sign, or one of the words "inf" and "nan".
 class TESSARIN_EXPORT NumericValueToken {
 public:
+  /// The text of the number.
   explicit NumericValueToken(const NumberString& number) : text_(narrow(number.view())) {}
   /// Throws `InvalidNumberString` where the text is no number.
   explicit NumericValueToken(ustring_view text);
@@ -49,6 +50,7 @@ public:
   /// The token of a content.
   [[nodiscard]] static StringValueToken quote(ustring_view content);
 
+  /// The text with its quotes.
   [[nodiscard]] const std::string& text() const noexcept { return text_; }
   /// What stands between the quotes, or nothing where the token is not of the form that `quote` gives.
   [[nodiscard]] std::optional<ustring> content() const;
@@ -61,11 +63,15 @@ private:
 /// One token of a value.
 class ValueToken {
 public:
+  /// A token of either sort.
+  /// @{
   ValueToken(NumericValueToken token) : token_(std::move(token)) {}
   ValueToken(StringValueToken token) : token_(std::move(token)) {}
+  /// @}
 
   /// The token, or null where it is of the other sort.
   [[nodiscard]] const NumericValueToken* numeric() const noexcept { return std::get_if<NumericValueToken>(&token_); }
+  /// The string token, or null.
   [[nodiscard]] const StringValueToken* string() const noexcept { return std::get_if<StringValueToken>(&token_); }
 
   friend bool operator==(const ValueToken&, const ValueToken&) = default;
@@ -86,6 +92,7 @@ public:
   virtual ~ValueTokensToValue();
   /// The value, or nothing where the tokens are not those of a value.
   [[nodiscard]] virtual std::optional<Value> operator()(const std::vector<ValueToken>& tokens) const = 0;
+  /// A converter of the same type that converts alike.
   [[nodiscard]] virtual std::unique_ptr<ValueTokensToValue> clone() const = 0;
 
 protected:
@@ -98,6 +105,7 @@ protected:
 class TESSARIN_EXPORT DefaultValueTokensToValue : public ValueTokensToValue {
 public:
   [[nodiscard]] std::optional<Value> operator()(const std::vector<ValueToken>& tokens) const override;
+  /// A default converter.
   [[nodiscard]] std::unique_ptr<ValueTokensToValue> clone() const override;
 };
 

@@ -8,14 +8,17 @@
 
 namespace nvf {
 
+/// Receives the warnings. What it throws passes through whoever warned.
 using WarningSink = std::function<void(const Message&)>;
 
 /// Where warnings go: the innermost `ScopedWarningSink` of the thread, or else the sink of the process, which writes
 /// them to standard error unless a host has replaced it. Processing goes on after a warning, unless the sink throws.
 class TESSARIN_EXPORT Warning {
 public:
+  /// The one of the process.
   static Warning& get();
 
+  /// Hands the message to the sink. Safe from any thread, as far as the sink is.
   void issueWarning(const Message& message);
   /// Replaces the sink of the process and returns the former one; an empty one stands for the default. Safe from any
   /// thread; a warning that is on its way still goes to the sink that it found.
@@ -28,6 +31,7 @@ private:
 /// Collects the warnings of this thread while it lives. Scopes nest.
 class TESSARIN_EXPORT ScopedWarningSink {
 public:
+  /// Sets `sink` for the process until the end of the scope.
   explicit ScopedWarningSink(WarningSink sink);
   ~ScopedWarningSink();
   ScopedWarningSink(const ScopedWarningSink&) = delete;

@@ -21,6 +21,9 @@ public:
 class TESSARIN_EXPORT Through
     : public nvf::TupleWrapper<Through*, IdParenSubs, ThroughLeaf, ThroughLeaf, detail::IgnoreValue<nvf::Location>> {
 public:
+  /// The variable, the nodes that the branch goes from and to, and its place, which the builder leaves empty. The text
+  /// is without the indent of the context.
+  /// @{
   Through(const IdParenSubs& lhs, const ThroughLeaf& from, const ThroughLeaf& to, const nvf::Location& location)
       : TupleWrapper(lhs, from, to, location) {}
   /// The branch variable.
@@ -29,12 +32,15 @@ public:
   [[nodiscard]] const ThroughLeaf& to() const noexcept { return get<2>(); }
   [[nodiscard]] const nvf::Location& location() const noexcept { return get<3>(); }
   [[nodiscard]] ustring string(const ToStringContext& context) const;
+  /// @}
 };
 
 /// A `branches` block.
 class TESSARIN_EXPORT BranchBlock
     : public nvf::TupleWrapper<BranchBlock*, std::vector<Through>, detail::IgnoreValue<nvf::Location>> {
 public:
+  /// The branches in the order of the source.
+  /// @{
   BranchBlock(std::vector<Through> throughs, const nvf::Location& location)
       : TupleWrapper(std::move(throughs), location) {}
   [[nodiscard]] const std::vector<Through>& throughs() const noexcept { return get<0>(); }
@@ -46,6 +52,7 @@ public:
   [[nodiscard]] const Through& through(std::size_t i) const { return throughs().at(i); }
   /// Without a line end behind the last line.
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 } // namespace tessarin::compiler::core

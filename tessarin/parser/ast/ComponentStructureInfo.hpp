@@ -14,6 +14,8 @@ namespace tessarin::compiler::core {
 /// the source. See `ASTBuilder::extractStructureInfo`.
 class ComponentStructureInfo {
 public:
+  /// The parts by kind and by number, from 0, in the order of the source.
+  /// @{
   ComponentStructureInfo(std::vector<ImportStmt> importStmts, std::vector<DeclarationBlock> declarationBlocks,
                          std::vector<ConnectionBlock> connectionBlocks, std::vector<BranchBlock> branchBlocks)
       : importStmts_(std::move(importStmts)),
@@ -30,6 +32,7 @@ public:
   [[nodiscard]] const DeclarationBlock& declarationBlock(std::size_t i) const { return declarationBlocks_.at(i); }
   [[nodiscard]] const std::vector<ConnectionBlock>& connectionBlocks() const noexcept { return connectionBlocks_; }
   [[nodiscard]] const std::vector<BranchBlock>& branchBlocks() const noexcept { return branchBlocks_; }
+  /// @}
 
 private:
   std::vector<ImportStmt> importStmts_;

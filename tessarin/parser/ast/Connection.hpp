@@ -17,9 +17,13 @@ class TESSARIN_EXPORT ConnectionFirstArg : public nvf::TaggedUnion<ConnectionFir
 public:
   using TaggedUnion::TaggedUnion;
 };
+/// Where the argument stands; the line counts from 0.
+/// @{
 TESSARIN_EXPORT nvf::Range connectionFirstArg_range(const ConnectionFirstArg& argument);
 TESSARIN_EXPORT nvf::Location connectionFirstArg_location(const ConnectionFirstArg& argument);
 TESSARIN_EXPORT std::size_t connectionFirstArg_line(const ConnectionFirstArg& argument);
+/// @}
+/// The argument as text, without the indent of the context.
 TESSARIN_EXPORT ustring to_string(const ConnectionFirstArg& argument, const ToStringContext& context);
 /// Writes the default form in the local encoding.
 TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const ConnectionFirstArg& argument);
@@ -31,8 +35,12 @@ class TESSARIN_EXPORT ConnectionArg
 public:
   using TaggedUnion::TaggedUnion;
 };
+/// Where the argument stands.
+/// @{
 TESSARIN_EXPORT nvf::Range connection_arg_range(const ConnectionArg& argument);
 TESSARIN_EXPORT nvf::Location connection_arg_location(const ConnectionArg& argument);
+/// @}
+/// The argument as text, without the indent of the context.
 TESSARIN_EXPORT ustring to_string(const ConnectionArg& argument, const ToStringContext& context);
 /// Writes the default form in the local encoding.
 TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const ConnectionArg& argument);
@@ -41,6 +49,9 @@ TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const ConnectionA
 class TESSARIN_EXPORT Connection : public nvf::TupleWrapper<Connection*, ConnectionFirstArg, std::vector<ConnectionArg>,
                                                             detail::IgnoreValue<nvf::Location>> {
 public:
+  /// The arguments in the order of the source. The text is without the indent of the context and without an end of the
+  /// statement.
+  /// @{
   /// `location` is the place of the keyword.
   Connection(const ConnectionFirstArg& firstArg, std::vector<ConnectionArg> remainingArguments,
              const nvf::Location& location)
@@ -57,12 +68,15 @@ public:
   /// first argument is another type.
   [[nodiscard]] const ConnectionArg& argument(std::size_t i) const { return remainingArguments().at(i - 1); }
   [[nodiscard]] ustring string(const ToStringContext& context) const;
+  /// @}
 };
 
 /// A `connections` block.
 class TESSARIN_EXPORT ConnectionBlock
     : public nvf::TupleWrapper<ConnectionBlock*, std::vector<Connection>, detail::IgnoreValue<nvf::Location>> {
 public:
+  /// The connections in the order of the source.
+  /// @{
   ConnectionBlock(std::vector<Connection> connections, const nvf::Location& location)
       : TupleWrapper(std::move(connections), location) {}
   [[nodiscard]] const std::vector<Connection>& connections() const noexcept { return get<0>(); }
@@ -74,6 +88,7 @@ public:
   [[nodiscard]] const Connection& connection(std::size_t i) const { return connections().at(i); }
   /// Without a line end behind the last line.
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 } // namespace tessarin::compiler::core

@@ -13,7 +13,9 @@
 
 namespace tessarin::compiler::core {
 
+/// A resolved path into a model.
 using UniquePath = nvf::Expressions1<UniquePathElement>;
+/// A dotted path as the source writes it.
 using IdSubsPath = nvf::Expressions<IdParenSubs>;
 
 // ---- unique paths ----
@@ -46,8 +48,8 @@ to_pathtailpair(const Variable& variable);
 
 /// The arguments of a call.
 struct FunctionCallArguments {
-  std::vector<Expr> positional;
-  std::map<nvf::CxId, Expr> named;
+  std::vector<Expr> positional;    ///< In the order of the source.
+  std::map<nvf::CxId, Expr> named; ///< By name.
 };
 /// No argument may be a colon, and the names must be plain. Of two named arguments of one name the first stands.
 TESSARIN_EXPORT std::optional<FunctionCallArguments> to_functioncall_args(const Arguments& arguments);
@@ -85,9 +87,8 @@ TESSARIN_EXPORT Arguments parensubs_to_arguments(const ParenSubs& subs);
 /// loses the number of its columns.
 TESSARIN_EXPORT Expr concrete_value_to_matrix(const Expr& expr);
 /// Replaces each matrix of number literals, with rows of one length, by the concrete value of its doubles, with the
-/// unit
-/// 1. A matrix with other elements stays, imaginary numbers and signs before a number included; what is inside it is
-/// converted. Inverse to `concrete_value_to_matrix` for arrays of doubles with the unit 1 that are not one element.
+/// unit 1. A matrix with other elements stays, imaginary numbers and signs before a number included; what is inside it
+/// is converted. Inverse to `concrete_value_to_matrix` for arrays of doubles with the unit 1 that are not one element.
 TESSARIN_EXPORT Expr matrix_to_concrete_value(const Expr& expr);
 
 // ---- evaluation by the compiler ----

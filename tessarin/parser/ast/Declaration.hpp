@@ -21,6 +21,7 @@ namespace tessarin::compiler::core {
 /// is. An index past the end replaces nothing.
 TESSARIN_EXPORT nvf::Expressions<OptIdent> replace_element(const nvf::Expressions<OptIdent>& list, std::size_t index,
                                                            const OptIdent& element);
+/// The same for a list of declarations.
 TESSARIN_EXPORT nvf::Expressions<IdListValuePair> replace_element(const nvf::Expressions<IdListValuePair>& list,
                                                                   std::size_t index, const IdListValuePair& element);
 
@@ -34,6 +35,8 @@ TESSARIN_EXPORT void opt_ident_vector_handler(const nvf::Expressions<OptIdent>& 
 /// `name(i, j) = value`: the declaration of an element of an array of objects.
 class TESSARIN_EXPORT ObjectArrayElementDecl : public nvf::TupleWrapper<ObjectArrayElementDecl*, IdParenIds, Expr> {
 public:
+  /// The element, and what it is set to.
+  /// @{
   ObjectArrayElementDecl(const IdParenIds& lhs, const Expr& rhs) : TupleWrapper(lhs, rhs) {}
   [[nodiscard]] const IdParenIds& LHS() const noexcept { return get<0>(); }
   [[nodiscard]] const Expr& RHS() const noexcept { return get<1>(); }
@@ -41,6 +44,7 @@ public:
   [[nodiscard]] nvf::Location location() const { return LHS().id().location(); }
   /// Without the indent of the context.
   [[nodiscard]] ustring string(const ToStringContext& context) const;
+  /// @}
 };
 
 /// An item of a declaration block: a name without a value (0), names with a value (1), or an element of an array of
@@ -67,6 +71,8 @@ public:
                    const nvf::Expressions<DeclarationItem>& declarations, const nvf::Location& location)
       : TupleWrapper(type, attributes, declarations, location) {}
 
+  /// What the members are, the attributes, and the declarations, both in the order of the source.
+  /// @{
   [[nodiscard]] MemberType::Value type() const noexcept { return get<0>(); }
   [[nodiscard]] const nvf::Expressions<IdentValuePair>& attributes() const noexcept { return get<1>(); }
   [[nodiscard]] std::size_t numOfAttributes() const noexcept { return attributes().size(); }
@@ -76,6 +82,8 @@ public:
   [[nodiscard]] std::size_t numOfDeclarations() const noexcept { return declarations().size(); }
   /// The `i`-th declaration, from 0; there must be one.
   [[nodiscard]] const DeclarationItem& declaration(std::size_t i) const noexcept { return declarations()[i]; }
+  /// @}
+
   /// The place of the keyword.
   [[nodiscard]] const nvf::Location& location() const noexcept { return get<3>(); }
   /// Without a line end behind the last line.
@@ -101,6 +109,8 @@ public:
 class TESSARIN_EXPORT ImportStmt
     : public nvf::TupleWrapper<ImportStmt*, Name, bool, detail::IgnoreValue<nvf::Location>> {
 public:
+  /// The dotted name, the form, and the place of the keyword.
+  /// @{
   /// `isUnqualified` is true for the form with `.*`.
   ImportStmt(const Name& importName, bool isUnqualified, const nvf::Location& location)
       : TupleWrapper(importName, isUnqualified, location) {}
@@ -109,16 +119,20 @@ public:
   [[nodiscard]] const nvf::Location& location() const noexcept { return get<2>(); }
   /// Without a line end.
   [[nodiscard]] ustring string(std::size_t indent) const;
+  /// @}
 };
 
 /// What follows `<` in the head of a model: `base(a = 1)`.
 class TESSARIN_EXPORT ClassInitializer : public nvf::TupleWrapper<ClassInitializer, Name, std::vector<NamedArgument>> {
 public:
+  /// The name of the base class, and the arguments in the order of the source.
+  /// @{
   ClassInitializer(const Name& name, std::vector<NamedArgument> args) : TupleWrapper(name, std::move(args)) {}
   [[nodiscard]] const Name& name() const noexcept { return get<0>(); }
   [[nodiscard]] const std::vector<NamedArgument>& args() const noexcept { return get<1>(); }
   /// Without parentheses where there are no arguments.
   [[nodiscard]] ustring string() const;
+  /// @}
 };
 
 // ---- functions ----
@@ -128,6 +142,8 @@ class TESSARIN_EXPORT DefinitionsBlock
     : public nvf::TupleWrapper<DefinitionsBlock*, nvf::Expressions<FunctionEqnItem>, nvf::Expressions<IdentValuePair>,
                                detail::IgnoreValue<nvf::Location>> {
 public:
+  /// The items and the attributes, both in the order of the source.
+  /// @{
   DefinitionsBlock(const nvf::Expressions<FunctionEqnItem>& items, const nvf::Expressions<IdentValuePair>& attributes,
                    const nvf::Location& location)
       : TupleWrapper(items, attributes, location) {}
@@ -137,6 +153,7 @@ public:
   [[nodiscard]] const nvf::Location& location() const noexcept { return get<2>(); }
   /// Unlike other blocks it ends its last line, and its items stand at twice the indent whatever `step` is: intended.
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 } // namespace tessarin::compiler::core

@@ -29,6 +29,7 @@ TESSARIN_EXPORT std::size_t expr_line(const Expr& expr);
 /// The precedence of the operator; 0 for what is none.
 TESSARIN_EXPORT std::size_t expr_precedence(const Expr& expr);
 
+/// In the form that the context asks for.
 TESSARIN_EXPORT ustring to_string(const Expr& expr, const ToStringContext& context);
 /// In the default form, which parses back to an equal tree.
 TESSARIN_EXPORT ustring to_string(const Expr& expr);

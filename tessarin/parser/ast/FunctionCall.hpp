@@ -18,10 +18,12 @@ class FunctionCallBase : public nvf::TupleWrapper<Derived*, nvf::CxIdPath, std::
                                  IgnoredRange>;
 
 public:
+  /// The values by name, in the order of the names.
   using NamedArguments = std::map<nvf::CxId, Expr>;
 
   /// The dotted name of the function.
   [[nodiscard]] const nvf::CxIdPath& path() const noexcept { return this->template get<0>(); }
+  /// In the order of the source.
   [[nodiscard]] const std::vector<Expr>& positionalArguments() const noexcept { return this->template get<1>(); }
   /// By name.
   [[nodiscard]] const NamedArguments& namedArguments() const noexcept { return this->template get<2>(); }
@@ -37,16 +39,22 @@ protected:
 /// A call of a built-in function.
 class TESSARIN_EXPORT NativeFunctionCall : public FunctionCallBase<NativeFunctionCall> {
 public:
+  /// The constructor without arguments makes a call without an argument list.
+  /// @{
   NativeFunctionCall(const nvf::CxIdPath& path, const nvf::Range& range);
   NativeFunctionCall(const nvf::CxIdPath& path, const std::vector<Expr>& positional, const NamedArguments& named,
                      const nvf::Range& range);
   /// "internal_native_function_call__".
   static const nvf::CxId& ctor();
+  /// @}
 };
 
 /// A call of a function of the host language.
 class TESSARIN_EXPORT CalvexFunctionCall : public FunctionCallBase<CalvexFunctionCall, bool, bool, bool> {
 public:
+  /// The constructor without arguments makes a call without an argument list. The flags are those of the stage that has
+  /// resolved the call: they are carried and printed, and nothing here looks at them.
+  /// @{
   CalvexFunctionCall(const nvf::CxIdPath& path, bool isEnum, bool dottedEnum, bool evalCompileTime,
                      const nvf::Range& range);
   CalvexFunctionCall(const nvf::CxIdPath& path, const std::vector<Expr>& positional, bool isEnum, bool dottedEnum,
@@ -56,26 +64,33 @@ public:
   [[nodiscard]] bool evalCompileTime() const noexcept { return get<6>(); }
   /// "internal_calvex_function_call__".
   static const nvf::CxId& ctor();
+  /// @}
 };
 
 /// A call of a function of the language by its full path.
 class TESSARIN_EXPORT TessarinFunctionCall : public FunctionCallBase<TessarinFunctionCall> {
 public:
+  /// The constructor without arguments makes a call without an argument list.
+  /// @{
   TessarinFunctionCall(const nvf::CxIdPath& path, const nvf::Range& range);
   TessarinFunctionCall(const nvf::CxIdPath& path, const std::vector<Expr>& positional, const nvf::Range& range);
   /// "internal_tessarin_function_call__".
   static const nvf::CxId& ctor();
+  /// @}
 };
 
 /// A call of the local function `fcnId` of the file `path`.
 class TESSARIN_EXPORT TessarinLocalFunctionCall : public FunctionCallBase<TessarinLocalFunctionCall, nvf::CxId> {
 public:
+  /// The constructor without arguments makes a call without an argument list.
+  /// @{
   TessarinLocalFunctionCall(const nvf::CxIdPath& path, const nvf::CxId& fcnId, const nvf::Range& range);
   TessarinLocalFunctionCall(const nvf::CxIdPath& path, const nvf::CxId& fcnId, const std::vector<Expr>& positional,
                             const nvf::Range& range);
   [[nodiscard]] const nvf::CxId& fcnId() const noexcept { return get<4>(); }
   /// "internal_tessarin_local_function_call__".
   static const nvf::CxId& ctor();
+  /// @}
 };
 
 } // namespace tessarin::compiler::core

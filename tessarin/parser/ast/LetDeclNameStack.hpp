@@ -16,12 +16,15 @@ class TESSARIN_EXPORT LetDeclNameStack {
 public:
   /// The declared names of one `let`, each with the index of its declaration.
   using Names = std::map<nvf::CxId, std::size_t>;
+  /// The scopes from the outermost to the innermost.
   using NameStack = std::vector<Names>;
+  /// The declarations of each scope, in the same order.
   using DeclStack = std::vector<std::vector<IdListValuePair>>;
   /// How many levels up from the innermost (0) a name was found, and the index of its declaration there.
   using Found = std::pair<std::size_t, std::size_t>;
 
   LetDeclNameStack() = default;
+  /// With scopes that are open already; both stacks must have the same height.
   LetDeclNameStack(const NameStack& names, const DeclStack& declarations) : names_(names), decls_(declarations) {}
 
   /// The names of each scope.
@@ -29,8 +32,10 @@ public:
   /// The declarations of each scope.
   [[nodiscard]] const DeclStack& declStack() const noexcept { return decls_.get(); }
   /// The same for changing them: they are copied first where other stacks share them.
+  /// @{
   [[nodiscard]] NameStack& nameStack() { return names_.get(); }
   [[nodiscard]] DeclStack& declStack() { return decls_.get(); }
+  /// @}
 
   /// Opens the scope of a `let`. A declaration's value sees all names of its own `let`, also those behind it; of two
   /// declarations of one name the first stands.

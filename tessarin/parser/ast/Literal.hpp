@@ -17,10 +17,13 @@ class Literal : public nvf::TupleWrapper<Literal<T, Outputter>, T, IgnoredRange>
 
 public:
   Literal() = default;
+  /// With its place, which is no part of the value.
   Literal(const T& value, const nvf::Range& range) : Base(value, range) {}
+  /// What is written, without quotes.
   [[nodiscard]] const T& value() const noexcept { return this->template get<0>(); }
   /// Appends the text of the literal.
   void append(ustring& out) const { Outputter()(out, value()); }
+  /// The text of the literal.
   [[nodiscard]] ustring string() const {
     ustring out;
     append(out);
@@ -30,27 +33,35 @@ public:
 
 /// The text as it stands: a number keeps its source spelling, so that `1.50` and `1.5` differ.
 struct TESSARIN_EXPORT SimpleOutputter {
+  /// Appends the text.
   void operator()(ustring& out, const nvf::NumberString& number) const;
+  /// To a narrow stream.
   void operator()(std::ostream& stream, const nvf::NumberString& number) const;
 };
 
 /// Single quotes around the text, each quote in it doubled.
 struct TESSARIN_EXPORT CharacterVectorOutputter {
+  /// Appends the quoted text.
   void operator()(ustring& out, const ustring& text) const;
   /// To a narrow stream, in the local encoding.
   void operator()(std::ostream& stream, const ustring& text) const;
+  /// To a stream of UTF-16.
   void operator()(std::basic_ostream<char16_t>& stream, const ustring& text) const;
 };
 
 /// Single quotes around the text of a unit. Quotes in it are not doubled: a unit text is never escaped, intended.
 struct TESSARIN_EXPORT SingleQuoteOutputter {
+  /// Appends the quoted text.
   void operator()(ustring& out, const nvf::ExprString& unit) const;
   /// In the local encoding.
   void operator()(std::ostream& stream, const nvf::ExprString& unit) const;
 };
 
+/// A number in its source spelling.
 using NumberLiteral = Literal<nvf::NumberString, SimpleOutputter>;
+/// A text.
 using StringLiteral = Literal<ustring, CharacterVectorOutputter>;
+/// The text of a unit.
 using UnitLiteral = Literal<nvf::ExprString, SingleQuoteOutputter>;
 
 } // namespace tessarin::compiler::core

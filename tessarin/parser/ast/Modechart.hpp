@@ -13,9 +13,13 @@ namespace tessarin::compiler::core {
 class TESSARIN_EXPORT EntryBlock
     : public nvf::TupleWrapper<EntryBlock, nvf::Expressions<IdentValuePair>, IgnoredRange> {
 public:
+  /// The actions in the order of the source. The text has `indent` blanks at the head of its lines and `step` more for
+  /// the actions.
+  /// @{
   EntryBlock(const nvf::Expressions<IdentValuePair>& actions, const nvf::Range& range) : TupleWrapper(actions, range) {}
   [[nodiscard]] const nvf::Expressions<IdentValuePair>& actions() const noexcept { return get<0>(); }
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 /// `mode a` or, where several names share one body, `mode {a, b}`. Equations print before entry actions, whatever their
@@ -23,6 +27,9 @@ public:
 class TESSARIN_EXPORT Mode : public nvf::TupleWrapper<Mode, nvf::Expressions<Ident>, std::vector<EquationBlock>,
                                                       std::vector<EntryBlock>, IgnoredRange> {
 public:
+  /// The names that share the body, the blocks in the order of the source, and the text in lines of `indent` blanks and
+  /// `step` more at each level.
+  /// @{
   Mode(const nvf::Expressions<Ident>& ids, std::vector<EquationBlock> equationBlocks,
        std::vector<EntryBlock> entryBlocks, const nvf::Range& range)
       : TupleWrapper(ids, std::move(equationBlocks), std::move(entryBlocks), range) {}
@@ -30,49 +37,65 @@ public:
   [[nodiscard]] const std::vector<EquationBlock>& equationBlocks() const noexcept { return get<1>(); }
   [[nodiscard]] const std::vector<EntryBlock>& entryBlocks() const noexcept { return get<2>(); }
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 /// A `modes` section.
 class TESSARIN_EXPORT ModesSection : public nvf::TupleWrapper<ModesSection, std::vector<Mode>> {
 public:
+  /// The modes in the order of the source.
+  /// @{
   explicit ModesSection(std::vector<Mode> modes) : TupleWrapper(std::move(modes)) {}
   [[nodiscard]] const std::vector<Mode>& modes() const noexcept { return get<0>(); }
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 /// `a->b->c : predicate`, a chain of two or more modes.
 class TESSARIN_EXPORT Transition : public nvf::TupleWrapper<Transition, nvf::Expressions<Ident>, Expr> {
 public:
+  /// The chain, and the condition under which it is taken.
+  /// @{
   Transition(const nvf::Expressions<Ident>& modes, const Expr& predicate) : TupleWrapper(modes, predicate) {}
   /// In the order of the chain.
   [[nodiscard]] const nvf::Expressions<Ident>& modes() const noexcept { return get<0>(); }
   [[nodiscard]] const Expr& predicate() const noexcept { return get<1>(); }
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 /// A `transitions` section.
 class TESSARIN_EXPORT TransitionsSection : public nvf::TupleWrapper<TransitionsSection, std::vector<Transition>> {
 public:
+  /// The transitions in the order of the source.
+  /// @{
   explicit TransitionsSection(std::vector<Transition> transitions) : TupleWrapper(std::move(transitions)) {}
   [[nodiscard]] const std::vector<Transition>& transitions() const noexcept { return get<0>(); }
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 /// `mode : predicate`, an entry of an `initial` section.
 class TESSARIN_EXPORT InitialMode : public nvf::TupleWrapper<InitialMode, Ident, Expr> {
 public:
+  /// The mode, and the condition under which the chart begins in it.
+  /// @{
   InitialMode(const Ident& id, const Expr& predicate) : TupleWrapper(id, predicate) {}
   [[nodiscard]] const Ident& id() const noexcept { return get<0>(); }
   [[nodiscard]] const Expr& predicate() const noexcept { return get<1>(); }
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 /// An `initial` section.
 class TESSARIN_EXPORT InitialSection : public nvf::TupleWrapper<InitialSection, std::vector<InitialMode>> {
 public:
+  /// The entries in the order of the source.
+  /// @{
   explicit InitialSection(std::vector<InitialMode> initialModes) : TupleWrapper(std::move(initialModes)) {}
   [[nodiscard]] const std::vector<InitialMode>& initialModes() const noexcept { return get<0>(); }
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 /// A modechart. Sections of one sort stay apart and in the order of the source; each sort has a list of its own.
@@ -80,6 +103,9 @@ class TESSARIN_EXPORT Modechart
     : public nvf::TupleWrapper<Modechart, std::vector<ModesSection>, std::vector<TransitionsSection>,
                                std::vector<InitialSection>, IgnoredRange> {
 public:
+  /// The sections of each sort in the order of the source. The text prints modes, then transitions, then initial modes,
+  /// `step` blanks further in at each level.
+  /// @{
   Modechart(std::vector<ModesSection> modesSections, std::vector<TransitionsSection> transitionsSections,
             std::vector<InitialSection> initialSections, const nvf::Range& range)
       : TupleWrapper(std::move(modesSections), std::move(transitionsSections), std::move(initialSections), range) {}
@@ -87,15 +113,19 @@ public:
   [[nodiscard]] const std::vector<TransitionsSection>& transitionsSections() const noexcept { return get<1>(); }
   [[nodiscard]] const std::vector<InitialSection>& initialSections() const noexcept { return get<2>(); }
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 /// `name = modechart`.
 class TESSARIN_EXPORT ModechartDeclaration : public nvf::TupleWrapper<ModechartDeclaration, Ident, Modechart> {
 public:
+  /// The name and the chart that it stands for. The text is `name = ...` and the chart on lines below.
+  /// @{
   ModechartDeclaration(const Ident& id, const Modechart& modechart) : TupleWrapper(id, modechart) {}
   [[nodiscard]] const Ident& id() const noexcept { return get<0>(); }
   [[nodiscard]] const Modechart& modechart() const noexcept { return get<1>(); }
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 /// A `modecharts` block.
@@ -103,6 +133,8 @@ class TESSARIN_EXPORT ModechartBlock
     : public nvf::TupleWrapper<ModechartBlock, nvf::Expressions<IdentValuePair>, std::vector<ModechartDeclaration>,
                                detail::IgnoreValue<nvf::Location>> {
 public:
+  /// The attributes behind the keyword and the declarations, both in the order of the source.
+  /// @{
   ModechartBlock(const nvf::Expressions<IdentValuePair>& attributes, std::vector<ModechartDeclaration> declarations,
                  const nvf::Location& location)
       : TupleWrapper(attributes, std::move(declarations), location) {}
@@ -111,6 +143,7 @@ public:
   /// The place of the keyword.
   [[nodiscard]] const nvf::Location& location() const noexcept { return get<2>(); }
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 } // namespace tessarin::compiler::core

@@ -34,6 +34,8 @@ public:
         const std::vector<ConditionalSection>& conditionalSections, const nvf::Expressions<IdentValuePair>& attributes,
         FileSource modelSource, const ParseTree& setupFunction, const nvf::Location& location);
 
+  /// The parts, as the constructor names them; an absent base class is an empty optional.
+  /// @{
   [[nodiscard]] ModelType::Value type() const noexcept { return get<0>(); }
   [[nodiscard]] const Ident& name() const noexcept { return get<1>(); }
   [[nodiscard]] const std::optional<ClassInitializer>& baseClassName() const noexcept { return get<2>(); }
@@ -45,6 +47,8 @@ public:
   [[nodiscard]] FileSource modelSource() const noexcept { return get<5>(); }
   [[nodiscard]] const ParseTree& setupFunctionParseTree() const noexcept { return get<6>(); }
   [[nodiscard]] bool hasSetupFunctionParseTree() const noexcept { return setupFunctionParseTree().type() == 1; }
+  /// @}
+
   /// The place of the opening keyword.
   [[nodiscard]] const nvf::Location& location() const noexcept { return get<7>(); }
   /// Whether an equations block of the model itself has an item; blocks inside its sections and modes do not count.

@@ -14,6 +14,9 @@ class TESSARIN_EXPORT TSNFunction
     : public nvf::TupleWrapper<TSNFunction*, Ident, nvf::Expressions<Ident>, nvf::Expressions<Ident>,
                                nvf::Expressions1<DefinitionsBlock>, FileSource> {
 public:
+  /// The name, the results and arguments in the order of the source, the definitions, one block at least, and the mark
+  /// of the caller.
+  /// @{
   TSNFunction(const Ident& name, const nvf::Expressions<Ident>& outputs, const nvf::Expressions<Ident>& inputs,
               const nvf::Expressions1<DefinitionsBlock>& definitions, FileSource source)
       : TupleWrapper(name, outputs, inputs, definitions, source) {}
@@ -24,6 +27,7 @@ public:
   [[nodiscard]] FileSource source() const noexcept { return get<4>(); }
   /// Ends its last line.
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
+  /// @}
 };
 
 /// The local functions of a file by name.

@@ -22,6 +22,7 @@ enum class VisitPredicateFlags : int {
   Conditions = 2, ///< the conditions of `if` and `elseif`
   All = -1,
 };
+/// Both sets together.
 constexpr VisitPredicateFlags operator|(VisitPredicateFlags a, VisitPredicateFlags b) noexcept {
   return static_cast<VisitPredicateFlags>(static_cast<int>(a) | static_cast<int>(b));
 }
@@ -74,10 +75,13 @@ struct VariableVisitFcns {
 /// unless `variable` is empty. Of a `TransitionExpr` only the expression is walked. Passes on what the functions throw.
 TESSARIN_EXPORT void visit_variables(const Expr& expr, const VariableVisitFcns& functions, VisitPredicateFlags flags);
 
+/// What the analyses find, in no order.
+/// @{
 using VariableSet = boost::unordered_set<Variable>;
 using ValueRefSet = boost::unordered_set<ValueRef>;
 using FullPathVariableSet = boost::unordered_set<FullPathVariable>;
 using IdSet = boost::unordered_set<nvf::CxId>;
+/// @}
 
 /// The variables, those in the subscripts of variables and full paths included. Two uses with different subscripts are
 /// two variables.

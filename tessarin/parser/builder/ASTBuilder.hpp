@@ -177,7 +177,7 @@ public:
   [[nodiscard]] InitialMode buildInitialMode(const ParseTree& tree) const;
   /// @}
 
-  /// Sections and what holds them. `source` is the file that the result names as its own.
+  /// Sections and what holds them. `source` is a mark that the result carries.
   /// @{
   [[nodiscard]] DeclarativeSections buildDeclarative(const ParseTree& tree) const;
   [[nodiscard]] ConditionalSection buildConditionalSection(const ParseTree& tree) const;

@@ -33,6 +33,7 @@ namespace tessarin::compiler::core {
 
 /// The dotted name of a base class. Arguments behind it are dropped.
 TESSARIN_EXPORT Name str_to_astname(const ustring& text);
+/// The same from ASCII text.
 TESSARIN_EXPORT Name str_to_astname(const std::string& text);
 /// A base class with its arguments.
 TESSARIN_EXPORT ClassInitializer str_to_classinitializer(const ustring& text, const ASTBuilder& builder);
@@ -41,41 +42,51 @@ TESSARIN_EXPORT ClassInitializer str_to_classinitializer(const ustring& text, co
 
 /// One equation or assertion; two of them on two lines are refused.
 TESSARIN_EXPORT EqnItem str_to_asteqnitem(const ustring& text, const ASTBuilder& builder = ASTBuilder());
+/// The same from ASCII text.
 TESSARIN_EXPORT EqnItem str_to_asteqnitem(const std::string& text, const ASTBuilder& builder = ASTBuilder());
 /// One expression. An assertion raises AssertionNotExpression.
 TESSARIN_EXPORT Expr str_to_astexpr(const ustring& text, const ASTBuilder& builder = ASTBuilder());
+/// The same from ASCII text.
 TESSARIN_EXPORT Expr str_to_astexpr(const std::string& text, const ASTBuilder& builder = ASTBuilder());
 /// The same from a file named "dummy.tsn", so that there is no warning.
 TESSARIN_EXPORT Expr str_to_astexpr_with_dummy_filename(const std::string& text);
 /// One expression from each text. The message for a syntax error has all texts with ", " between them.
 TESSARIN_EXPORT std::vector<Expr> strs_to_astexprs(const std::vector<ustring>& texts);
+/// The same from ASCII text.
 TESSARIN_EXPORT std::vector<Expr> strs_to_astexprs(const std::vector<std::string>& texts);
 /// The expressions on the lines of one text. A syntax error stays one, and its `location()` counts in this text; what
 /// its full message says of the place is left as it is.
 TESSARIN_EXPORT std::vector<Expr> str_to_astexprs(const ustring& text);
+/// The same from ASCII text.
 TESSARIN_EXPORT std::vector<Expr> str_to_astexprs(const std::string& text);
 
 // ---- items of other blocks ----
 
 /// A branch, such as `i : p.i -> *`. InvalidThroughSyntax.
 TESSARIN_EXPORT Through str_to_astthrough(const ustring& text, const ASTBuilder& builder = ASTBuilder());
+/// The same from ASCII text.
 TESSARIN_EXPORT Through str_to_astthrough(const std::string& text);
 /// A connection, such as `connect(a, b)`. InvalidConnectionSyntax.
 TESSARIN_EXPORT Connection str_to_astconnection(const ustring& text, const ASTBuilder& builder = ASTBuilder());
+/// The same from ASCII text.
 TESSARIN_EXPORT Connection str_to_astconnection(const std::string& text);
 /// A `when` clause. InvalidConnectionSyntax too, intended.
 TESSARIN_EXPORT WhenClause str_to_whenclause(const ustring& text, const ASTBuilder& builder = ASTBuilder());
+/// The same from ASCII text.
 TESSARIN_EXPORT WhenClause str_to_whenclause(const std::string& text);
 /// The declaration `id = value`. The parser's errors pass as they are.
 TESSARIN_EXPORT IdListValuePair str_to_IdListValuePair(const ustring& id, const ustring& value,
                                                        const ASTBuilder& builder = ASTBuilder());
+/// The same from ASCII text.
 TESSARIN_EXPORT IdListValuePair str_to_IdListValuePair(const std::string& id, const std::string& value,
                                                        const ASTBuilder& builder = ASTBuilder());
 /// The annotation `name = value` of a class. InvalidAnnotationSyntax.
 TESSARIN_EXPORT IdentValuePair str_to_ivpair(const ustring& text);
+/// The same from ASCII text.
 TESSARIN_EXPORT IdentValuePair str_to_ivpair(const std::string& text);
 /// The annotation of members, such as `[a, b] : name = value`. InvalidAnnotationSyntax.
 TESSARIN_EXPORT MemberAnnotation str_to_annotation(const ustring& text);
+/// The same from ASCII text.
 TESSARIN_EXPORT MemberAnnotation str_to_annotation(const std::string& text);
 
 // ---- references ----

@@ -17,6 +17,7 @@ enum class Kind : std::int32_t {
 #include "tessarin/parser/lex/kinds.def"
 };
 
+/// The number of kinds; they count from 0.
 inline constexpr std::size_t kindCount = 128;
 
 /// No kind: the answer of a lookup that finds nothing.
@@ -47,20 +48,30 @@ TESSARIN_EXPORT ustring_view kind_name(Kind kind) noexcept;
 TESSARIN_EXPORT ustring_view kind_uname(Kind kind) noexcept;
 /// The text that shows the kind, such as ":=", or empty where there is none.
 TESSARIN_EXPORT ustring_view kind_image(Kind kind) noexcept;
+/// How text of the kind is coloured.
 TESSARIN_EXPORT KindCategory::Value kind_category(Kind kind) noexcept;
+/// The name of the enumerator, such as "KEYWORDS".
 TESSARIN_EXPORT ustring_view kind_category_name(KindCategory::Value category) noexcept;
 
+/// Whether it is a line end that need not stand in the text as the end of a statement.
 TESSARIN_EXPORT bool is_implicit_eol(Kind kind) noexcept;
+/// Whether it can change the blanks around it.
 TESSARIN_EXPORT bool can_modify_whitespace(Kind kind) noexcept;
+/// Whether it opens a statement or a section.
 TESSARIN_EXPORT bool is_statement_start(Kind kind) noexcept;
+/// Whether it closes one.
 TESSARIN_EXPORT bool is_statement_end(Kind kind) noexcept;
+/// Whether it is passed over where brackets are matched.
 TESSARIN_EXPORT bool is_bracket_skip(Kind kind) noexcept;
-
+/// Whether it is a reserved word.
 TESSARIN_EXPORT bool is_reserved_word(Kind kind) noexcept;
+
+/// The words of the language.
 namespace keyword {
 /// The text of a reserved word for messages, such as "elseif"; empty for any other kind.
 TESSARIN_EXPORT ustring_view name(Kind kind) noexcept;
 } // namespace keyword
+
 /// The kind whose reserved text is exactly `text`, `length` code units long, case counting, or `noKind`. "function"
 /// gives `FUNCTION`.
 TESSARIN_EXPORT Kind reserved_word(const char16_t* text, std::size_t length) noexcept;

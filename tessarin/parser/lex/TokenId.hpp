@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <string_view>
 
+/// The front end of the language: text becomes tokens, a parse tree, a syntax tree, and text again.
 namespace tessarin::compiler::core {
 
 /// The codes of the parser's tokens. The functions take enumerators only, and may be called from any thread.

@@ -23,6 +23,7 @@ namespace tessarin::compiler::core {
 /// no place in a setup function, such as a string, an imaginary number, a cell array or a function handle.
 TESSARIN_EXPORT std::optional<Expr> to_setup_expr(const ParseTree& tree);
 
+/// What a call of a diagnostic function becomes.
 using SetupDiagnostic = std::variant<SimpleSetupErrorStmt, SimpleSetupWarningStmt>;
 /// Makes the statement for a call: from its arguments, which are texts without their quotes and with doubled quotes
 /// reduced, and its range. It may refuse them with a `nvf::MessageException`; the place of the call is added to it.

@@ -13,6 +13,7 @@
 namespace tessarin::compiler::core {
 
 class SimpleSetupStmt;
+/// Breaks the recursion between statements and their parts.
 using SimpleSetupStmtHandle = nvf::Handle<SimpleSetupStmt>;
 
 /// `a.b = value;`.
@@ -78,18 +79,22 @@ public:
 };
 
 /// A copy whose expressions share nothing with the original, as `strip_annotation_inplace` leaves them.
+/// @{
 TESSARIN_EXPORT SimpleSetupStmt strip(const SimpleSetupStmt& stmt);
 TESSARIN_EXPORT SimpleSetupIfStmt strip(const SimpleSetupIfStmt& stmt);
 TESSARIN_EXPORT nvf::Expressions<SimpleSetupStmt> strip(const nvf::Expressions<SimpleSetupStmt>& stmts);
+/// @}
 
 /// Writes the statement in the local encoding, each of its lines behind `indent` times two blanks and followed by a
 /// flush. An empty list writes nothing.
+/// @{
 TESSARIN_EXPORT void out(std::ostream& stream, const SimpleSetupStmt& stmt, std::size_t indent);
 TESSARIN_EXPORT void out(std::ostream& stream, const nvf::Expressions<SimpleSetupStmt>& stmts, std::size_t indent);
 TESSARIN_EXPORT void out(std::ostream& stream, const SimpleSetupAsgnStmt& stmt, std::size_t indent);
 TESSARIN_EXPORT void out(std::ostream& stream, const SimpleSetupErrorStmt& stmt, std::size_t indent);
 TESSARIN_EXPORT void out(std::ostream& stream, const SimpleSetupWarningStmt& stmt, std::size_t indent);
 TESSARIN_EXPORT void out(std::ostream& stream, const SimpleSetupIfStmt& stmt, std::size_t indent);
+/// @}
 
 } // namespace tessarin::compiler::core
 
