@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # Installs into an empty prefix, and builds and runs the example program with nothing but what is there: once through
-# CMake, once through pkg-config. Arguments: the build directory, the compiler.
+# CMake, once through pkg-config. Arguments: the build directory, the compiler, and the generator of CMake, for the default
+# one may not be installed.
 set -euo pipefail
 build=$1
 compiler=$2
+generator=$3
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -28,7 +30,7 @@ done
 # The program, in an environment that knows nothing of this build.
 run() { env -i PATH=/usr/bin:/bin HOME="$work" "$@"; }
 cp -r "$examples/program" "$work/program"
-run cmake -S "$work/program" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$compiler" >/dev/null
+run cmake -G "$generator" -S "$work/program" -B "$work/cmake" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$compiler" >/dev/null
 run cmake --build "$work/cmake" >/dev/null
 # shellcheck disable=SC2046 # the flags are words
 run "$compiler" -std=c++20 "$work/program/states.cpp" -o "$work/states" \
