@@ -219,6 +219,8 @@ TEST(Printing, PartsPrintAlone) {
   EXPECT_EQ(to_string(FunctionEqnItem(declaration("x", name("y"))), context), u"x = y");
   EXPECT_EQ(written(EqnItem(name("x"))), "x");
   EXPECT_EQ(ident("a").string(context), u"a");
+  EXPECT_EQ(Name(nvf::BasicCxIdPath<0>("a.b")).path(), idPath("a.b"));
+  EXPECT_THROW((void)Name().path(), nvf::IdPathTooShort);
 
   const nvf::Expressions<IdentValuePair> update = pairs({{"n", number("0")}});
   EXPECT_EQ(WhenBranch(name("p"), update).string(2, 2), u"  when p\n    n = 0;\n");
@@ -238,6 +240,11 @@ TEST(Printing, LiteralsWriteToStreams) {
   };
   EXPECT_EQ(narrow(SimpleOutputter(), number("1.50").get<NumberLiteral>().value()), "1.50");
   EXPECT_EQ(narrow(CharacterVectorOutputter(), ustring(u"it's \u20ac")), "'it''s \xe2\x82\xac'");
+  std::basic_ostringstream<char16_t> wide;
+  nvf::setup_stream_locale(wide);
+  CharacterVectorOutputter()(wide, ustring(u"it's"));
+  EXPECT_EQ(wide.str(), u"'it''s'");
+  EXPECT_EQ(number("1.50").get<NumberLiteral>().string(), u"1.50");
   EXPECT_EQ(narrow(SingleQuoteOutputter(), unitText("m/s").value()), "'m/s'");
 }
 

@@ -68,6 +68,21 @@ TEST(Location, DigestAndText) {
   EXPECT_EQ(stream.str(), "(m.tsn:1:5) (3:1)");
 }
 
+TEST(Location, Swaps) {
+  Location a = at("a", 1, 2);
+  Location b = at("b", 3, 4);
+  Range range(a, b);
+  Range empty;
+  swap(range, empty);
+  EXPECT_EQ(empty, Range(a, b));
+  swap(a, b);
+  EXPECT_EQ(empty, Range(b, a));
+  FileName name("a");
+  FileName other;
+  swap(name, other);
+  EXPECT_TRUE(name.empty() && other == FileName("a"));
+}
+
 TEST(Location, BuffersShowTheirLines) {
   const nvf::SourceBuffer buffer(FileName("b"), u"one\ntwo\r\nthree\rfour\n");
   const nvf::SourceBuffer copy = buffer;

@@ -137,6 +137,14 @@ TEST(Warning, ScopesNestAndBelongToTheirThread) {
   EXPECT_EQ(inner, (Ids{"InconsistentFunctionNameAndFileName"}));
 }
 
+TEST(Warning, GoesToStandardErrorByDefault) {
+  nvf::Warning::get().sink({});
+  testing::internal::CaptureStderr();
+  nvf::file_line_warning<parse::UseOfEquationDeprecated>(place);
+  const std::string text = testing::internal::GetCapturedStderr();
+  EXPECT_TRUE(text.starts_with("warning: ") && text.ends_with("\n")) << text;
+}
+
 TEST(Terminate, AHandlerMayThrow) {
   const nvf::TerminateHandler former = nvf::set_terminate_handler(nvf::throw_fatal_error);
   try {

@@ -197,6 +197,22 @@ TEST(Scanner, EmptyLinesAndCode) {
   command.lState = LState::DUAL_ARG;
   command.listState = ListState::V_LS;
   EXPECT_EQ(line(u"abc -x 'a b'c,d", command), "ID3 WHITE1 DUAL2 WHITE1 DUAL6 COMMA1 ID1 IEOL0 code");
+  EXPECT_EQ(line(u"abc 'a''b' c%d", command), "ID3 WHITE1 DUAL6 WHITE1 ID1 COMMENT2 IEOL0");
+  // A closing bracket leads back to them.
+  State list;
+  list.parenDepth = 1;
+  list.bracketStack = 1;
+  list.listState = ListState::F_LS;
+  EXPECT_EQ(line(u"x] -y z", list), "ID1 RB1 WHITE1 DUAL2 WHITE1 ID1 IEOL0 code");
+  // Behind an operand "@" opens a list, in which a blank does not end the statement.
+  const auto after = [&tokenizer](std::u16string_view text) {
+    std::vector<LexToken> out(3 * text.size() + 8);
+    State reached;
+    (void)tokenizer->tokenizeLine(out.data(), out.size(), reached, text.data(), text.size(), nullptr);
+    return reached;
+  };
+  EXPECT_TRUE(after(u"x @ ...").has(State::inList));
+  EXPECT_FALSE(after(u"x = @ ...").has(State::inList));
 }
 
 TEST(Scanner, StatesCompareTheWrongWayRound) {

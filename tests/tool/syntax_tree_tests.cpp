@@ -100,6 +100,7 @@ constexpr const char* plant = R"(component plant
   else
     inputs
       i = 19;
+      j;
     end
   end
 end
@@ -165,6 +166,7 @@ TEST(OutlineCommand, MembersOfEverySort) {
     in_loop  4:7
   inputs
     i  54:7
+    j  55:7
   components
     a  46:5
     a  47:6
@@ -176,6 +178,7 @@ TEST(OutlineCommand, MembersOfEverySort) {
 }
 
 TEST(OutlineCommand, FilesOfFunctions) {
+  EXPECT_EQ(json::parse(ask({"outline", "plant.tsn", "--json"}).out)["outline"]["base"], nullptr);
   const TemporaryFolder folder;
   folder.write("f.tsn", "function y = f(x)\n  definitions\n    y = g(x);\n  end\nend\n"
                         "function y = g(x)\n  definitions\n    y = x + 1;\n  end\nend\n");
@@ -231,6 +234,7 @@ TEST(ExprCommand, PrintsOneExpression) {
       {{"--user", "a+b"}, "a + b\n", "", 0},
       {{"a +"}, "", "[InvalidExpressionSyntax]", 1},
       {{"assert(a)"}, "", "[AssertionNotExpression]", 1},
+      {{"{1, '+'}"}, "", "<expression>:1:5: error: '+' is not a unit. [InvalidUnitLiteral]", 1},
       {{"--user", "--digest", "a"}, "", "excludes", 2},
   };
   const TemporaryFolder folder;
@@ -244,6 +248,8 @@ TEST(ExprCommand, PrintsOneExpression) {
   }
   const json document = json::parse(runTool(folder, {"expr", "a + 1", "--json"}).out);
   EXPECT_EQ(document["expr"]["tree"]["range"], json::parse("[0,0,0,5]"));
+  EXPECT_EQ(json::parse(runTool(folder, {"expr", "{1, '+'}", "--json"}).out)["fault"],
+            json::parse(R"({"family":"ast","id":"InvalidUnitLiteral","arguments":["+"],"line":0,"column":4})"));
   EXPECT_EQ(document["expr"]["digest"].get<std::string>() + "\n", runTool(folder, {"expr", "a+1", "--digest"}).out);
 }
 
