@@ -198,6 +198,11 @@ TEST(Scanner, EmptyLinesAndCode) {
   command.listState = ListState::V_LS;
   EXPECT_EQ(line(u"abc -x 'a b'c,d", command), "ID3 WHITE1 DUAL2 WHITE1 DUAL6 COMMA1 ID1 IEOL0 code");
   EXPECT_EQ(line(u"abc 'a''b' c%d", command), "ID3 WHITE1 DUAL6 WHITE1 ID1 COMMENT2 IEOL0");
+  EXPECT_EQ(line(u"f(a b) {c,'d}e [x] y...", command), "DUAL6 WHITE1 DUAL7 WHITE1 DUAL3 WHITE1 ID1 DOTDOTDOT3 CEOL0");
+  EXPECT_EQ(line(u"a;b", command), "ID1 SEMI1 ID1 IEOL0 code");
+  EXPECT_EQ(line(u"a 'b", command), "ID1 WHITE1 UNTERM2 IEOL0");
+  command.listState = ListState::F_LS;
+  EXPECT_EQ(line(u"-a b -c", command), "DUAL2 WHITE1 ID1 WHITE1 DUAL2 IEOL0");
   // A closing bracket leads back to them.
   State list;
   list.parenDepth = 1;

@@ -85,6 +85,7 @@ constexpr const char* plant = R"(component plant
   end
   equations
     x == 6;
+    assert(6.1, message('a:b', text(internal_value_ref__(q))), Warn = false);
   end
   connections
     connect(4 + 0, *)
@@ -165,21 +166,23 @@ TEST(OutlineCommand, MembersOfEverySort) {
   parameters
     in_loop  4:7
   inputs
-    i  54:7
-    j  55:7
+    i  55:7
+    j  56:7
   components
-    a  46:5
-    a  47:6
-    b  47:9
-    c  48:5
+    a  47:5
+    a  48:6
+    b  48:9
+    c  49:5
   modecharts
     m  12:5
 )");
 }
 
-TEST(OutlineCommand, FilesOfFunctions) {
+TEST(OutlineCommand, OtherFiles) {
   EXPECT_EQ(json::parse(ask({"outline", "plant.tsn", "--json"}).out)["outline"]["base"], nullptr);
   const TemporaryFolder folder;
+  folder.write("d.tsn", "import a.b\ndomain d\nend\n");
+  EXPECT_EQ(runTool(folder, {"outline", "d.tsn"}).out, "import a.b  1:1\ndomain d  2:8\n");
   folder.write("f.tsn", "function y = f(x)\n  definitions\n    y = g(x);\n  end\nend\n"
                         "function y = g(x)\n  definitions\n    y = x + 1;\n  end\nend\n");
   EXPECT_EQ(runTool(folder, {"outline", "f.tsn"}).out, "function [y] = f(x)  1:14\nfunction [y] = g(x)  6:14\n");
@@ -217,9 +220,10 @@ TEST(DigestCommand, BlocksComeByTheirKind) {
   std::string texts;
   const json document = json::parse(ask({"digest", "plant.tsn", "--json"}).out);
   for (const json& row : document["exprs"]) texts += row[0].get<std::string>() + '|';
-  EXPECT_EQ(texts,
-            "part(k = 1)|2|pipe(3)|4 + 0|a.p|b.p(5)|x == 6|7|8|9|10|11|12|x == 13|14|t > 15|16|17|18|19|20|21|22|"
-            "23|");
+  EXPECT_EQ(texts, "part(k = 1)|2|pipe(3)|4 + 0|a.p|b.p(5)|x == "
+                   "6|6.1|internal_value_ref__(q)|concrete_value__('int32 "
+                   "1x1',2,'1')|7|8|9|10|11|12|x == 13|14|t > 15|16|17|18|19|20|21|22|"
+                   "23|");
 }
 
 TEST(ExprCommand, PrintsOneExpression) {
