@@ -53,7 +53,7 @@ TEST(Declarations, KeywordsOpenBlocksOfTheirType) {
     const MemberType::Value type = DeclarationBlock::declarationType(token);
     if (type == MemberType::NONE) continue;
     ++openings;
-    const std::u16string keyword = keywords.at(static_cast<std::size_t>(type));
+    const std::u16string& keyword = keywords.at(static_cast<std::size_t>(type));
     EXPECT_EQ(DeclarationBlock::typeString(type), keyword);
     EXPECT_EQ(nvf::widen(TokenId::displayString(token)), u'"' + keyword + u'"');
   }

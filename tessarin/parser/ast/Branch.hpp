@@ -21,8 +21,8 @@ public:
 class TESSARIN_EXPORT Through
     : public nvf::TupleWrapper<Through*, IdParenSubs, ThroughLeaf, ThroughLeaf, detail::IgnoreValue<nvf::Location>> {
 public:
-  /// The variable, the nodes that the branch goes from and to, and its place, which the builder leaves empty. The text
-  /// is without the indent of the context.
+  /// The variable, the nodes that the branch goes from and to, and its place, which the builder leaves empty. Outside
+  /// a line an end that is a name of the source gets the indent of the context; the variable gets none.
   /// @{
   Through(const IdParenSubs& lhs, const ThroughLeaf& from, const ThroughLeaf& to, const nvf::Location& location)
       : TupleWrapper(lhs, from, to, location) {}

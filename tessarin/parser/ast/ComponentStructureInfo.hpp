@@ -11,7 +11,7 @@
 namespace tessarin::compiler::core {
 
 /// What a component is made of, without its equations: imports, declarations, connections and branches, in the order of
-/// the source. See `ASTBuilder::extractStructureInfo`.
+/// the source. `ASTBuilder::extractStructureInfo` takes the `components` blocks only, of all that declare something.
 class ComponentStructureInfo {
 public:
   /// The parts by kind and by number, from 0, in the order of the source.

@@ -42,7 +42,7 @@ public:
 /// `{expr, 'unit'}`.
 class TESSARIN_EXPORT UnitExpr : public nvf::TupleWrapper<UnitExpr*, ExprHandle, UnitLiteral, IgnoredRange> {
 public:
-  /// The expression, and the unit as it is written, without quotes.
+  /// The expression, and the unit as it is written.
   /// @{
   UnitExpr(const Expr& expr, const UnitLiteral& unit, const nvf::Range& range) : TupleWrapper(expr, unit, range) {}
   [[nodiscard]] const Expr& expr() const noexcept { return get<0>().get(); }
@@ -139,9 +139,9 @@ public:
 
   /// Which operator it is.
   [[nodiscard]] OpExprType opType() const noexcept { return get<0>(); }
-  /// A lower number binds tighter.
+  /// A lower number binds tighter. What is no operator is fatal, see `nvf::terminate`.
   [[nodiscard]] std::size_t precedence() const;
-  /// The number of operands that the operator takes.
+  /// The number of operands that the operator takes. What is no operator is fatal.
   [[nodiscard]] std::size_t arity() const;
   /// The operands that there are, from left to right, and their number.
   /// @{
@@ -152,7 +152,7 @@ public:
   /// The `i`-th operand; `i` is not checked.
   [[nodiscard]] const Expr& operandAt(std::size_t i) const noexcept;
 
-  /// How the operator is written.
+  /// How the operator is written. What is no operator, such as -1, is fatal.
   static ustring typeString(OpExprType type);
   /// The operator whose node in a parse tree has this code; -1 where there is none.
   static OpExprType operatorType(NonTerminal::Value code);
@@ -195,7 +195,8 @@ public:
 class TESSARIN_EXPORT IdListValuePair
     : public nvf::TupleWrapper<IdListValuePair*, nvf::Expressions<OptIdent>, ExprHandle, bool> {
 public:
-  /// The names, among them placeholders, and the one value that they share. A default one has no name.
+  /// The names, among them placeholders, and the one value that they share. A default one has no name. The text stands
+  /// behind the indent of the context, also where the context is for text inside a line.
   /// @{
   IdListValuePair();
   /// `isColonEquals` is true where the declaration was written with `:=`.
@@ -230,8 +231,9 @@ public:
   [[nodiscard]] std::size_t numOfEqnExprs() const;
   /// How many of the items are assertions.
   [[nodiscard]] std::size_t numOfEqnAssertions() const;
-  /// Copies of the expressions, and below of the assertions, each in their order.
+  /// Copies of the items that are expressions, in their order.
   [[nodiscard]] std::vector<Expr> eqnExprs() const;
+  /// Copies of the items that are assertions, in their order.
   [[nodiscard]] std::vector<EqnAssertion> eqnAssertions() const;
   /// @}
 };
@@ -282,7 +284,7 @@ public:
 /// Wraps the `if` that a modechart has become. Its range is that of the `if`.
 class TESSARIN_EXPORT ModechartEqnExpr : public nvf::TupleWrapper<ModechartEqnExpr, IfExpr> {
 public:
-  /// The `if` in which each mode is a branch.
+  /// The `if`; that it came from a modechart is not checked.
   /// @{
   explicit ModechartEqnExpr(const IfExpr& expr) : TupleWrapper(expr) {}
   [[nodiscard]] const IfExpr& expr() const noexcept { return get<0>(); }

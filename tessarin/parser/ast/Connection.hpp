@@ -23,7 +23,8 @@ TESSARIN_EXPORT nvf::Range connectionFirstArg_range(const ConnectionFirstArg& ar
 TESSARIN_EXPORT nvf::Location connectionFirstArg_location(const ConnectionFirstArg& argument);
 TESSARIN_EXPORT std::size_t connectionFirstArg_line(const ConnectionFirstArg& argument);
 /// @}
-/// The argument as text, without the indent of the context.
+/// The argument as text. Outside a line the implicit reference gets the indent of the context, and an expression what
+/// `to_string` of an `Expr` gives it.
 TESSARIN_EXPORT ustring to_string(const ConnectionFirstArg& argument, const ToStringContext& context);
 /// Writes the default form in the local encoding.
 TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const ConnectionFirstArg& argument);
@@ -40,7 +41,8 @@ public:
 TESSARIN_EXPORT nvf::Range connection_arg_range(const ConnectionArg& argument);
 TESSARIN_EXPORT nvf::Location connection_arg_location(const ConnectionArg& argument);
 /// @}
-/// The argument as text, without the indent of the context.
+/// The argument as text. Outside a line the implicit reference gets the indent of the context, and an expression what
+/// `to_string` of an `Expr` gives it.
 TESSARIN_EXPORT ustring to_string(const ConnectionArg& argument, const ToStringContext& context);
 /// Writes the default form in the local encoding.
 TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const ConnectionArg& argument);
@@ -49,13 +51,14 @@ TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const ConnectionA
 class TESSARIN_EXPORT Connection : public nvf::TupleWrapper<Connection*, ConnectionFirstArg, std::vector<ConnectionArg>,
                                                             detail::IgnoreValue<nvf::Location>> {
 public:
-  /// The arguments in the order of the source. The text is without the indent of the context and without an end of the
-  /// statement.
-  /// @{
   /// `location` is the place of the keyword.
   Connection(const ConnectionFirstArg& firstArg, std::vector<ConnectionArg> remainingArguments,
              const nvf::Location& location)
       : TupleWrapper(firstArg, std::move(remainingArguments), location) {}
+
+  /// The arguments in the order of the source. The text has no end of a statement; the indent of the context stands
+  /// before each argument that takes one, and not before `connect`.
+  /// @{
   Connection(const Expr& firstArg, std::vector<ConnectionArg> remainingArguments, const nvf::Location& location)
       : Connection(ConnectionFirstArg(firstArg), std::move(remainingArguments), location) {}
   [[nodiscard]] const ConnectionFirstArg& firstArg() const noexcept { return get<0>(); }

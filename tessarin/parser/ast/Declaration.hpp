@@ -109,11 +109,12 @@ public:
 class TESSARIN_EXPORT ImportStmt
     : public nvf::TupleWrapper<ImportStmt*, Name, bool, detail::IgnoreValue<nvf::Location>> {
 public:
-  /// The dotted name, the form, and the place of the keyword.
-  /// @{
   /// `isUnqualified` is true for the form with `.*`.
   ImportStmt(const Name& importName, bool isUnqualified, const nvf::Location& location)
       : TupleWrapper(importName, isUnqualified, location) {}
+
+  /// The dotted name, the form, and the place of the keyword.
+  /// @{
   [[nodiscard]] const Name& importName() const noexcept { return get<0>(); }
   [[nodiscard]] bool isUnqualified() const noexcept { return get<1>(); }
   [[nodiscard]] const nvf::Location& location() const noexcept { return get<2>(); }

@@ -30,7 +30,7 @@ public:
 /// A hole of a message that is filled through a reference to a value.
 class TESSARIN_EXPORT RefText : public nvf::TupleWrapper<RefText, ValueRef, IgnoredRange> {
 public:
-  /// The reference whose value is shown.
+  /// The reference that leads to what is shown.
   /// @{
   RefText(const ValueRef& ref, const nvf::Range& range) : TupleWrapper(ref, range) {}
   [[nodiscard]] const ValueRef& ref() const noexcept { return get<0>(); }
@@ -128,7 +128,7 @@ class TESSARIN_EXPORT FunctionEqnItem : public nvf::TaggedUnion<FunctionEqnItem,
 public:
   using TaggedUnion::TaggedUnion;
 };
-/// The item without the indent of the context.
+/// The item behind the indent of the context, also where the context is for text inside a line.
 TESSARIN_EXPORT ustring to_string(const FunctionEqnItem& item, const ToStringContext& context);
 
 /// An `equations` block.
@@ -151,8 +151,9 @@ public:
   [[nodiscard]] std::size_t numOfEqnItems() const noexcept { return eqnItems().size(); }
   /// Throws `std::out_of_range` where there is none.
   [[nodiscard]] const EqnItem& eqnItem(std::size_t i) const { return eqnItems().at(i); }
-  /// The block's own expressions, and its own assertions: not those inside its items.
+  /// Copies of the block's own expressions, in their order: not of those inside its items.
   [[nodiscard]] std::vector<Expr> eqnExprs() const;
+  /// Copies of the block's own assertions, in their order: not of those inside its items.
   [[nodiscard]] std::vector<EqnAssertion> eqnAssertions() const;
   [[nodiscard]] ustring string(std::size_t indent, std::size_t step) const;
   /// @}

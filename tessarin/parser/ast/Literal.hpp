@@ -19,7 +19,7 @@ public:
   Literal() = default;
   /// With its place, which is no part of the value.
   Literal(const T& value, const nvf::Range& range) : Base(value, range) {}
-  /// What is written, without quotes.
+  /// What is written, without quotes; of a string its content, before quotes are doubled.
   [[nodiscard]] const T& value() const noexcept { return this->template get<0>(); }
   /// Appends the text of the literal.
   void append(ustring& out) const { Outputter()(out, value()); }

@@ -94,8 +94,8 @@ public:
   /// A path is never empty.
   using Path = nvf::Expressions1<UniquePathElement>;
 
-  /// The equivalent paths; the subscripts behind them; and the variable of
-  /// the source that was resolved, which is for messages and no part of the value.
+  /// The equivalent paths; the subscripts behind them; and the variable of the source that was resolved, which is for
+  /// messages and no part of the value.
   /// @{
   FullPathVariable(std::vector<Path> paths, const std::optional<ParenSubs>& subs,
                    const std::optional<Variable>& originalVariable, const nvf::Range& range)
@@ -117,7 +117,7 @@ class TESSARIN_EXPORT RelativePathVariable
     : public nvf::TupleWrapper<RelativePathVariable*, nvf::Positive<std::size_t>, nvf::CxId, std::optional<ParenSubs>,
                                IgnoredRange> {
 public:
-  /// How many levels up, 1 being the next; the name there; and the subscripts behind it.
+  /// How many levels up, at least 1; the name there; and the subscripts behind it.
   /// @{
   RelativePathVariable(const nvf::Positive<std::size_t>& depth, const nvf::CxId& id,
                        const std::optional<ParenSubs>& subs, const nvf::Range& range)

@@ -27,14 +27,14 @@ public:
   enum class Type : int { Colon = 0, Expression = 1 };
 
   Subscript() = default;
-  /// A colon at a place.
+  /// A colon at a place: `type` is not checked, and there is no expression whatever it is.
   Subscript(Type type, const nvf::Location& location) : type_(type), location_(location) {}
   /// An expression at its own place.
   Subscript(const Expr& expr); // NOLINT(google-explicit-constructor): an expression is a subscript
 
   /// Which sort it is.
   [[nodiscard]] Type type() const noexcept { return type_; }
-  /// Null for a colon.
+  /// Null where there is none, as for a colon.
   [[nodiscard]] const std::shared_ptr<const Expr>& expr() const noexcept { return expr_; }
   /// Where it stands; no part of the value.
   [[nodiscard]] const nvf::Location& location() const noexcept { return location_; }
@@ -116,7 +116,7 @@ public:
   [[nodiscard]] ustring string(const ToStringContext& context) const;
   /// @}
 };
-/// From the opening to the closing parenthesis.
+/// In the source, from the opening to the closing parenthesis; the same as `arguments.range()`.
 TESSARIN_EXPORT nvf::Range range(const Arguments& arguments);
 /// The same as `arguments.string(context)`.
 TESSARIN_EXPORT ustring to_string(const Arguments& arguments, const ToStringContext& context);

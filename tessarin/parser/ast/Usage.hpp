@@ -50,9 +50,11 @@ public:
 /// The walker enters the subscripts of a reference only when the callback sends it on, through the recursion that it is
 /// given. It calls the functions of all other kinds before it enters their parts, and enters these in any case.
 struct VariableVisitFcns {
+  /// Called for variables but locals of a `let`, with what sends the walker on into their subscripts.
+  std::function<void(const Variable&, VariableRecursion&)> variable;
+
   /// Called for the references of the kind, with what sends the walker on into their subscripts.
   /// @{
-  std::function<void(const Variable&, VariableRecursion&)> variable; ///< Not called for locals of a `let`.
   std::function<void(const FullPathVariable&, VariableRecursion&)> fullPathVariable;
   std::function<void(const RelativePathVariable&, VariableRecursion&)> relativePathVariable;
   std::function<void(const ValueRef&, VariableRecursion&)> valueRef;

@@ -84,10 +84,11 @@ public:
   [[nodiscard]] StringLiteral toCvLiteral(const Token& token) const;
   /// @}
 
-  /// Names, alone and in lists; a list keeps the order of the text.
-  /// @{
   /// The ident of a leaf. Throws what `Ident` throws where its text is no identifier.
   [[nodiscard]] Ident buildIdent(const ParseTree& tree) const;
+
+  /// Names, alone and in lists; a list keeps the order of the text.
+  /// @{
   [[nodiscard]] OptIdent buildOptIdent(const ParseTree& tree) const;
   [[nodiscard]] nvf::Expressions<OptIdent> buildIdentList(const ParseTree& tree) const;
   [[nodiscard]] nvf::Expressions<Ident> buildIdentList1(const ParseTree& tree) const;
@@ -138,11 +139,12 @@ public:
   [[nodiscard]] nvf::Expressions<FunctionEqnItem> buildFunctionEqnItems(const ParseTree& tree) const;
   /// @}
 
-  /// Declarations, definitions, imports and annotations. A block's attributes are built before its contents.
-  /// @{
   /// The declaration whose names and whose value are the children at these positions.
   [[nodiscard]] IdListValuePair buildEqnDeclaration(const ParseTree& tree, std::size_t idIndex,
                                                     std::size_t valueIndex) const;
+
+  /// Declarations, definitions, imports and annotations. A block's attributes are built before its contents.
+  /// @{
   [[nodiscard]] std::vector<IdListValuePair> buildEqDeclarationList(const ParseTree& tree) const;
   [[nodiscard]] Ident buildUntypedEqnDeclaration(const ParseTree& tree, std::size_t idIndex) const;
   [[nodiscard]] IdListValuePair buildModelItemDecl(const ParseTree& tree) const;

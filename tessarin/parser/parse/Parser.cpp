@@ -6,7 +6,7 @@
 
 namespace tessarin::compiler::core {
 
-Parser::Parser(nvf::SourceBuffer buffer) : state_(std::make_unique<ParserState>(std::move(buffer))) {}
+Parser::Parser(const nvf::SourceBuffer& buffer) : state_(std::make_unique<ParserState>(buffer)) {}
 Parser::Parser(const nvf::AsciiString& text, nvf::FileName name)
     : Parser(nvf::SourceBuffer(name, nvf::ustring_view(text.text()))) {}
 Parser::Parser(Parser&&) noexcept = default;

@@ -24,8 +24,8 @@ struct ParserState;
 /// Parses one buffer, once. A parser may be used by one thread at a time; several parsers share nothing that changes.
 class TESSARIN_EXPORT Parser {
 public:
-  /// Takes over the text and the file name of a buffer.
-  explicit Parser(nvf::SourceBuffer buffer);
+  /// Copies the text of the buffer; its file name is that in all locations.
+  explicit Parser(const nvf::SourceBuffer& buffer);
   /// `name` is the file name in all locations.
   Parser(const nvf::AsciiString& text, nvf::FileName name);
   /// The source can then only be destroyed or assigned to; its other operations throw `std::logic_error`.
