@@ -52,7 +52,9 @@ TEST(BuildFile, Functions) {
 }
 
 TEST(BuildFile, FunctionsWithoutDefinitions) {
-  const auto node = [](NonTerminal::Value kind, std::vector<ParseTree> children) { return ParseTree(kind, children); };
+  const auto node = [](NonTerminal::Value kind, const std::vector<ParseTree>& children) {
+    return ParseTree(kind, children);
+  };
   const ParseTree name(Token(TokenId::ID, nvf::Location(), u"f", 1));
   const ParseTree function =
       node(NonTerminal::TSNFunction, {node(NonTerminal::IdList, {name}), name, node(NonTerminal::NoFcnInputs, {})});
@@ -200,7 +202,7 @@ TEST(BuildFile, StructureInfo) {
 
 TEST(BuildFile, UnknownNodesAreFatal) {
   const ASTBuilder builder;
-  const auto node = [](NonTerminal::Value kind, std::vector<ParseTree> children = {}) {
+  const auto node = [](NonTerminal::Value kind, const std::vector<ParseTree>& children = {}) {
     return ParseTree(kind, children);
   };
   const auto word = [](TokenId::Value code) { return ParseTree(Token(code, nvf::Location(), u"x", 1)); };
