@@ -207,7 +207,7 @@ public:
   Array(const ArraySize& size, const T* elements) : size_(size), elements_(elements, elements + size.numElements()) {}
 
   /// The extents, the type, and the elements in index order: the first column from top to bottom, then the next one.
-  /// References and iterators live as long as the array or a copy of it.
+  /// Iterators live as long as the array or a copy of it, the reference to the extents as long as this array.
   /// @{
   [[nodiscard]] const ArraySize& size() const noexcept { return size_; }
   [[nodiscard]] static constexpr ElementType elementType() noexcept { return detail::ElementTypeOf<T>::value; }

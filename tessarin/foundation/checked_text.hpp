@@ -22,7 +22,7 @@ public:
   /// Equal texts share their code units.
   using Text = BasicTableString<char16_t>;
 
-  /// The text; it lives as long as the process.
+  /// The text; the reference lives as long as this object, the code units as long as the process.
   [[nodiscard]] const Text& text() const noexcept { return text_; }
   /// The same as a view.
   [[nodiscard]] ustring_view view() const noexcept { return text_.view(); }

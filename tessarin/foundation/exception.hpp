@@ -40,7 +40,7 @@ private:
 /// An exception with the exceptions that caused it and the names of the objects that it is about.
 class TESSARIN_EXPORT AttributedException : public Exception {
 public:
-  /// Causes are shared by the copies of an exception, and never null.
+  /// Causes are shared by the copies of an exception; none may be null, which is not checked.
   using Cause = std::shared_ptr<const Exception>;
 
   /// With the text that `what()` gives, what led to it, and the names of the objects that it is about.

@@ -78,7 +78,7 @@ WarningSink Warning::sink(WarningSink sink) {
 }
 
 ScopedWarningSink::ScopedWarningSink(WarningSink sink)
-    : sink_(std::move(sink)), outer_(std::exchange(innermostSink, this)) {}
+    : sink_(sink ? std::move(sink) : printWarning), outer_(std::exchange(innermostSink, this)) {}
 
 ScopedWarningSink::~ScopedWarningSink() {
   innermostSink = outer_;

@@ -127,7 +127,8 @@ public:
   requires(other != minimum) explicit(other < minimum) BasicCxIdPath(const BasicCxIdPath<other>& path)
       : BasicCxIdPath(path.ids()) {}
 
-  /// The names from left to right; they live as long as the path or a copy of it.
+  /// The names from left to right; they live as long as the path or a copy of it, the sequence of them only as long as
+  /// this path.
   /// @{
   [[nodiscard]] const Expressions<CxId>& ids() const noexcept { return ids_; }
   [[nodiscard]] const_iterator begin() const noexcept { return ids_.begin(); }

@@ -179,7 +179,7 @@ public:
   FileBuffer(FileName fileName, std::basic_string_view<CharT> text)
       : FileBuffer(fileName, std::make_shared<const Text>(text.begin(), text.end())) {}
 
-  /// The file name and the code units, which live as long as the buffer or a copy of it.
+  /// The code units live as long as the buffer or a copy of it, the reference to the file name as long as this buffer.
   /// @{
   [[nodiscard]] const FileName& fileName() const noexcept { return fileName_; }
   [[nodiscard]] std::basic_string_view<CharT> text() const noexcept {

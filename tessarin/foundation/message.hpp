@@ -112,7 +112,7 @@ public:
   [[nodiscard]] const BaseMsgID& id() const noexcept { return message_value_.id(); }
   [[nodiscard]] const Message& message() const noexcept { return message_value_; }
   /// @}
-  /// A copy of the exception with its dynamic type.
+  /// A copy of the exception. A derived class overrides it: this one copies the base alone.
   [[nodiscard]] virtual std::unique_ptr<MessageException> clone() const;
   /// The text of the message.
   [[nodiscard]] ustring fullMessage() const;

@@ -1,5 +1,5 @@
 // A class for each message of the catalog: `kelvane::tessarin::compiler::core::parse::IfWithNoElse` and so on. A class
-// takes one constructor argument for each argument of its row, text as UTF-16 or as ASCII.
+// takes one constructor argument for each argument of its row, text as UTF-16 or as UTF-8.
 #pragma once
 
 #include "tessarin/foundation/message.hpp"
@@ -31,7 +31,7 @@ private:
 /// A number for an argument of a message.
 class MessageInteger {
 public:
-  /// Any whole number that fits.
+  /// Any whole number; whether it fits in a `long` is not checked.
   /// @{
   MessageInteger(std::integral auto value) : value_(static_cast<long>(value)) {}
   operator MessageArgument() && { return value_; }

@@ -654,7 +654,7 @@ void Operations<T>::dump(DumpSink& sink, const T& value) {
 template <class T>
 class Handle {
 public:
-  /// Holds a copy of the target; a null pointer stands for the default target.
+  /// Holds a target of its own, copied or moved; a null pointer stands for the default target.
   /// @{
   Handle() : block_(new Block(T())) {}
   Handle(const T& target) : block_(new Block(target)) {}       // NOLINT(google-explicit-constructor)

@@ -82,7 +82,7 @@ struct TESSARIN_EXPORT CheckExprString {
 /// What the text of a unit says.
 class TESSARIN_EXPORT UnitExpression {
 public:
-  /// Reads the text, which has been checked.
+  /// Reads the text. Throws `InvalidUnitExpression` where it was made of a `RawExpr` that has an empty name.
   explicit UnitExpression(const ExprString& text);
   /// The default unit, which is 1. The argument only selects this constructor; both values mean the same: intended.
   explicit UnitExpression(bool) noexcept {}
@@ -119,7 +119,7 @@ public:
   UnitsExpr() noexcept = default;
   /// Throws `InvalidUnitExpression` where an exponent grows too large, which that of a checked text does not.
   explicit UnitsExpr(const UnitExpression& expression);
-  /// Reads the text, which has been checked.
+  /// Reads the text and goes on as the above; throws what reading or that throws, for a text made of a `RawExpr` only.
   explicit UnitsExpr(const ExprString& text) : UnitsExpr(UnitExpression(text)) {}
   /// Throws `InvalidUnitExpression` where the context does not know a unit. Factors with exponent 0 do not count.
   UnitsExpr(const UnitContext& context, const Factors& factors);

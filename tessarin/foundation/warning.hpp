@@ -31,7 +31,7 @@ private:
 /// Collects the warnings of this thread while it lives. Scopes nest.
 class TESSARIN_EXPORT ScopedWarningSink {
 public:
-  /// Sets `sink` for the process until the end of the scope.
+  /// Warnings of other threads still go where they went. An empty sink stands for the default.
   explicit ScopedWarningSink(WarningSink sink);
   ~ScopedWarningSink();
   ScopedWarningSink(const ScopedWarningSink&) = delete;

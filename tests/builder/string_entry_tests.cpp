@@ -57,7 +57,7 @@ using Entry = std::function<std::string(const std::string&)>;
 template <class Function>
 Entry entry(Function function) {
   return [function](const std::string& text) {
-    const std::string result = resultOf([&] { return textOf(function(text)); });
+    std::string result = resultOf([&] { return textOf(function(text)); });
     EXPECT_EQ(resultOf([&] { return textOf(function(nvf::widen(text))); }), result);
     return result;
   };

@@ -85,7 +85,7 @@ TEST(Location, Swaps) {
 
 TEST(Location, BuffersShowTheirLines) {
   const nvf::SourceBuffer buffer(FileName("b"), u"one\ntwo\r\nthree\rfour\n");
-  const nvf::SourceBuffer copy = buffer;
+  const nvf::SourceBuffer copy = buffer; // NOLINT(performance-unnecessary-copy-initialization): the copy is tested
   EXPECT_EQ(copy.text().data(), buffer.text().data());
   const std::u16string_view lines[] = {u"one", u"two", u"three", u"four", u"", u""};
   for (std::size_t i = 0; i < std::size(lines); ++i) EXPECT_EQ(buffer.line(i), lines[i]) << i;

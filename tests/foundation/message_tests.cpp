@@ -143,9 +143,14 @@ TEST(Warning, GoesToStandardErrorByDefault) {
   nvf::file_line_warning<parse::UseOfEquationDeprecated>(place);
   const std::string text = testing::internal::GetCapturedStderr();
   EXPECT_TRUE(text.starts_with("warning: ") && text.ends_with("\n")) << text;
+  const nvf::ScopedWarningSink scope({});
+  testing::internal::CaptureStderr();
+  nvf::file_line_warning<parse::UseOfEquationDeprecated>(place);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), text);
 }
 
 TEST(Terminate, AHandlerMayThrow) {
+  // NOLINTNEXTLINE(clang-analyzer-deadcode.DeadStores): the analyser takes a fatal diagnostic for the end
   const nvf::TerminateHandler former = nvf::set_terminate_handler(nvf::throw_fatal_error);
   try {
     nvf::terminate("terminal", "parser/parse/TerminalData", 29, "signature");

@@ -21,18 +21,21 @@ namespace fs = std::filesystem;
 
 /// Each test has a directory of its own, which it leaves empty-handed.
 class FilePrinter : public testing::Test {
-protected:
+public:
   FilePrinter() {
     std::string name = (fs::temp_directory_path() / "tessarin-XXXXXX").native();
     if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary directory");
     root = name;
   }
+  FilePrinter(const FilePrinter&) = delete;
+  FilePrinter& operator=(const FilePrinter&) = delete;
   ~FilePrinter() override {
     std::error_code ignored;
     fs::permissions(root, fs::perms::owner_all, ignored);
     fs::remove_all(root, ignored);
   }
 
+protected:
   void print(const Entity& entity) const { TsnFilePrinter(root).printFile(*entity); }
 
   /// Prints the entity and expects the message with the path below the root.
