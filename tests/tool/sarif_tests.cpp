@@ -148,8 +148,8 @@ TEST(Sarif, ResultsAndNotifications) {
       "a%20%C3%A9/named.tsn:3:3: warning: The name '" + name + "n' is longer than 63 characters and is cut to '" +
           name + "'. [lex:warnings:MaxNameLengthExceeded]",
       "a%20%C3%A9/named.tsn:5:2: error: An operator is missing before this. [parse:MissingOperator]",
-      "a%20%C3%A9/setup.tsn:3: error: This statement cannot be used in a setup function. "
-      "[setup:SimpleSetupUnsupportedStatement]",
+      std::string("a%20%C3%A9/setup.tsn:3: error: This statement cannot be used in a setup function. ") +
+          "[setup:SimpleSetupUnsupportedStatement]",
       "%3Cstdin%3E: error: The text is neither a model file nor a function file. [ast:InvalidTsnFile]",
       "file://" + folder.path().native() +
           "/a%20%C3%A9/b.tsn:1:15: error: A separator cannot stand here. [parse:UnexpectedSep]",
