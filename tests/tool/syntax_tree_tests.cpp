@@ -236,6 +236,8 @@ TEST(ExprCommand, PrintsOneExpression) {
   const Case cases[] = {
       {{"a+b * (c)"}, "a + b * c\n", "", 0},
       {{"--user", "a+b"}, "a + b\n", "", 0},
+      {{"concrete_value__('int32 1x1', 1, '1')"}, "concrete_value__('int32 1x1',1,'1')\n", "", 0},
+      {{"--", "-x"}, "-x\n", "", 0},
       {{"a +"}, "", "[InvalidExpressionSyntax]", 1},
       {{"assert(a)"}, "", "[AssertionNotExpression]", 1},
       {{"{1, '+'}"}, "", "<expression>:1:5: error: '+' is not a unit. [InvalidUnitLiteral]", 1},

@@ -40,8 +40,10 @@ struct Outcome {
 Outcome parse(const std::string& text) {
   Outcome outcome;
   // The one warning that there can be is that the model around the expression has no file of its name.
-  outcome.failure =
-      observe([](const nvf::Message&) {}, [&] { outcome.expr = core::str_to_astexpr(nvf::decode_utf8(text)); });
+  // Values are read back, as from a file.
+  const core::ASTBuilder builder(nvf::DefaultValueTokensToValue{});
+  outcome.failure = observe([](const nvf::Message&) {},
+                            [&] { outcome.expr = core::str_to_astexpr(nvf::decode_utf8(text), builder); });
   if (outcome.failure) {
     if (auto* finding = std::get_if<Finding>(&*outcome.failure); finding != nullptr && finding->line) {
       *finding->line -= std::min(*finding->line, linesBefore);
@@ -85,7 +87,7 @@ void writeJson(const Outcome& outcome, Console& console) {
 
 Action expr(CLI::App& app) {
   const auto options = std::make_shared<ExprOptions>();
-  app.add_option("TEXT", options->text, "the expression")->required()->type_name("");
+  app.add_option("TEXT", options->text, "the expression; behind -- where it begins with -")->required()->type_name("");
   CLI::Option* user = app.add_flag("--user", options->user, "print it as the user wrote it, where that is known");
   CLI::Option* digest = app.add_flag("--digest", options->digest, "print the bytes of its digest in hexadecimal");
   CLI::Option* json = app.add_flag("--json", options->json, "answer with one line of JSON: texts, digest and tree");
