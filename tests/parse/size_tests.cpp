@@ -27,6 +27,7 @@ class NullBuffer final : public std::streambuf {
 };
 
 /// Every operation on a tree, and its end.
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the last owner lets go of it here
 void useTree(ParseTree tree, bool isPrinted) {
   ParseTree stripped = tree;
   strip_annotation_inplace(stripped);

@@ -154,6 +154,7 @@ TEST(Sarif, ResultsAndNotifications) {
       "file://" + folder.path().native() +
           "/a%20%C3%A9/b.tsn:1:15: error: A separator cannot stand here. [parse:UnexpectedSep]",
       // What keeps a file from being checked.
+      // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): long texts
       "cast.tsn: refused with boost::bad_lexical_cast: bad lexical cast: source type value could not be interpreted as "
       "target [boost::bad_lexical_cast]",
       "fatal.tsn: internal error: non-terminal (parser/parse/NonTerminalData:34, "
