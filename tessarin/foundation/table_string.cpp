@@ -45,10 +45,11 @@ class Arena {
 public:
   void* allocate(std::size_t bytes) {
     bytes = (bytes + alignment - 1) / alignment * alignment;
-    if (bytes > blockSize / 8) return newBlock(bytes);
+    if (bytes > blockSize_ / 8) return newBlock(bytes);
     if (bytes > left_) {
-      next_ = newBlock(blockSize);
-      left_ = blockSize;
+      next_ = newBlock(blockSize_);
+      left_ = blockSize_;
+      if (blockSize_ < largestBlock) blockSize_ *= 2;
     }
     void* result = next_;
     next_ += bytes;
@@ -58,16 +59,19 @@ public:
 
 private:
   static constexpr std::size_t alignment = alignof(TableEntry);
-  static constexpr std::size_t blockSize = std::size_t{16} * 1024;
+  // Small blocks first: a process that sees few texts touches little memory.
+  static constexpr std::size_t smallestBlock = std::size_t{1} * 1024;
+  static constexpr std::size_t largestBlock = std::size_t{16} * 1024;
 
   char* newBlock(std::size_t bytes) {
-    blocks_.push_back(std::make_unique<char[]>(bytes));
+    blocks_.push_back(std::make_unique_for_overwrite<char[]>(bytes));
     return blocks_.back().get();
   }
 
   std::vector<std::unique_ptr<char[]>> blocks_;
   char* next_ = nullptr;
   std::size_t left_ = 0;
+  std::size_t blockSize_ = smallestBlock;
 };
 
 /// A part of the table with a lock of its own for writers. Readers probe an open-addressed array of atomic pointers: an

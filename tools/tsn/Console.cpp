@@ -27,13 +27,14 @@ bool mayColour(int descriptor) {
 
 } // namespace
 
-BlockBuffer::BlockBuffer(int descriptor) : descriptor_(descriptor), block_(blockSize) {
-  setp(block_.data(), block_.data() + block_.size());
+BlockBuffer::BlockBuffer(int descriptor)
+    : descriptor_(descriptor), block_(std::make_unique_for_overwrite<char[]>(blockSize)) {
+  setp(block_.get(), block_.get() + blockSize);
 }
 
 void BlockBuffer::drain() {
   write(pbase(), static_cast<std::size_t>(pptr() - pbase()));
-  setp(block_.data(), block_.data() + block_.size());
+  setp(block_.get(), block_.get() + blockSize);
 }
 
 BlockBuffer::int_type BlockBuffer::overflow(int_type c) {

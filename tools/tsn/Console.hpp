@@ -4,10 +4,10 @@
 #include "Status.hpp"
 
 #include <cstddef>
+#include <memory>
 #include <ostream>
 #include <streambuf>
 #include <string_view>
-#include <vector>
 
 namespace tessarin::tool {
 
@@ -33,7 +33,7 @@ private:
 
   int descriptor_;
   int failure_ = 0;
-  std::vector<char> block_;
+  std::unique_ptr<char[]> block_;
 };
 
 /// The tool's outputs. Used by one thread.
