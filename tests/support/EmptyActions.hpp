@@ -13,7 +13,7 @@
 namespace tessarin::compiler::core::empty {
 
 /// A value that holds nothing.
-struct ParseTree {};
+struct NodeRef {};
 
 /// Why a parse has ended early: a rule is refused, the text is faulty, or the tokens have run out.
 struct Stopped : std::runtime_error {
@@ -25,53 +25,53 @@ class Actions {
 public:
   explicit Actions(std::span<const TokenId::Value> codes) noexcept : codes_(codes) {}
 
-  int next(ParseTree&) {
+  int next(NodeRef&) {
     if (next_ == codes_.size()) throw Stopped("no token is left");
     return codes_[next_++];
   }
 
   template <class... Trees>
-  ParseTree operator()(NonTerminal::Value, const Trees&...) const noexcept {
+  NodeRef operator()(NonTerminal::Value, const Trees&...) const noexcept {
     return {};
   }
   template <class... Trees>
-  ParseTree withChildrenOf(NonTerminal::Value, ParseTree, const Trees&...) const noexcept {
+  NodeRef withChildrenOf(NonTerminal::Value, NodeRef, const Trees&...) const noexcept {
     return {};
   }
   template <class... Trees>
-  void list(ParseTree&, NonTerminal::Value, const Trees&...) const noexcept {}
-  ParseTree roll(ParseTree) const noexcept { return {}; }
-  ParseTree nest(ParseTree) const noexcept { return {}; }
-  ParseTree recode(ParseTree, TokenId::Value) const noexcept { return {}; }
-  ParseTree name(ParseTree, std::u16string_view) const noexcept { return {}; }
+  void list(NodeRef&, NonTerminal::Value, const Trees&...) const noexcept {}
+  NodeRef roll(NodeRef) const noexcept { return {}; }
+  NodeRef nest(NodeRef) const noexcept { return {}; }
+  NodeRef recode(NodeRef, TokenId::Value) const noexcept { return {}; }
+  NodeRef name(NodeRef, std::u16string_view) const noexcept { return {}; }
 
-  ParseTree rewritePower(ParseTree) const noexcept { return {}; }
-  ParseTree foldColon(ParseTree, ParseTree, ParseTree) const noexcept { return {}; }
-  ParseTree tryUnitExpression(ParseTree) const noexcept { return {}; }
-  ParseTree unitExpression(ParseTree) const noexcept { return {}; }
-  ParseTree relation(NonTerminal::Value, ParseTree, ParseTree, ParseTree) const noexcept { return {}; }
+  NodeRef rewritePower(NodeRef) const noexcept { return {}; }
+  NodeRef foldColon(NodeRef, NodeRef, NodeRef) const noexcept { return {}; }
+  NodeRef tryUnitExpression(NodeRef) const noexcept { return {}; }
+  NodeRef unitExpression(NodeRef) const noexcept { return {}; }
+  NodeRef relation(NonTerminal::Value, NodeRef, NodeRef, NodeRef) const noexcept { return {}; }
 
-  void checkAssignmentTarget(ParseTree) const noexcept {}
+  void checkAssignmentTarget(NodeRef) const noexcept {}
   void enterFunction() const noexcept {}
-  ParseTree openFunction(ParseTree, ParseTree, ParseTree, ParseTree, ParseTree) const noexcept { return {}; }
-  ParseTree closeFunction(ParseTree, ParseTree) const noexcept { return {}; }
-  void checkInFunction(ParseTree) const noexcept {}
+  NodeRef openFunction(NodeRef, NodeRef, NodeRef, NodeRef, NodeRef) const noexcept { return {}; }
+  NodeRef closeFunction(NodeRef, NodeRef) const noexcept { return {}; }
+  void checkInFunction(NodeRef) const noexcept {}
 
-  void warnOfEquation(ParseTree) const noexcept {}
-  void checkNoNestedEquations(ParseTree) const noexcept {}
+  void warnOfEquation(NodeRef) const noexcept {}
+  void checkNoNestedEquations(NodeRef) const noexcept {}
   void beginEquations() const noexcept {}
   void endEquations() const noexcept {}
 
-  void finishModel(ParseTree, ParseTree, ParseTree) const noexcept {}
-  void finishFunction(ParseTree, ParseTree, ParseTree) const noexcept {}
-  void finishStatements(ParseTree) const noexcept {}
+  void finishModel(NodeRef, NodeRef, NodeRef) const noexcept {}
+  void finishFunction(NodeRef, NodeRef, NodeRef) const noexcept {}
+  void finishStatements(NodeRef) const noexcept {}
 
   template <class Symbol, class Stack>
   [[noreturn]] void syntaxError(Symbol, std::span<const Symbol>, const Stack&) const {
     throw Stopped("a syntax error");
   }
   template <class Msg>
-  [[noreturn]] void refuse(ParseTree) const {
+  [[noreturn]] void refuse(NodeRef) const {
     throw Stopped("a rule is refused");
   }
 

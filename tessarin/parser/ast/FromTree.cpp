@@ -1,20 +1,21 @@
 #include "tessarin/parser/ast/FromTree.hpp"
 
+#include "tessarin/foundation/stack.hpp"
 #include "tessarin/foundation/terminate.hpp"
 
 namespace tessarin::compiler::core {
 
-nvf::Range rangeOf(const ParseTree& tree) {
+nvf::Range rangeOf(NodeView tree) {
   const Token* first = tree.left();
   return first == nullptr ? nvf::Range() : first->range() + tree.right()->range();
 }
 
-nvf::Location placeOf(const ParseTree& tree) {
+nvf::Location placeOf(NodeView tree) {
   const Token* first = tree.left();
   return first == nullptr ? nvf::Location() : first->location();
 }
 
-const ParseTree& childOf(const ParseTree& tree, std::size_t i) {
+NodeView childOf(NodeView tree, std::size_t i) {
   if (i >= tree.count()) {
     nvf::terminate(notRecognized, fromTreeSource, 118,
                    "const tessarin::compiler::core::ParseTree& childOf(const "
@@ -23,9 +24,21 @@ const ParseTree& childOf(const ParseTree& tree, std::size_t i) {
   return tree.child(i);
 }
 
-std::span<const ParseTree> childrenOf(const ParseTree& tree, std::size_t first) {
-  const std::size_t count = tree.count();
-  return first >= count ? std::span<const ParseTree>() : std::span(&tree.child(first), count - first);
+namespace {
+
+void roll(NodeView tree, NonTerminal::Value kind, std::vector<NodeView>& out) {
+  if (!tree.isNonTerminalType(kind)) return out.push_back(tree);
+  nvf::with_stack([&] {
+    for (const NodeView child : tree.children()) roll(child, kind, out);
+  });
+}
+
+} // namespace
+
+std::vector<NodeView> rolled(NodeView tree) {
+  std::vector<NodeView> out;
+  roll(tree, tree.code(), out);
+  return out;
 }
 
 nvf::ustring_view withoutQuotes(const Token& token) {
@@ -60,7 +73,7 @@ constexpr std::size_t arities[] = {
 
 } // namespace
 
-std::size_t operandCount(const ParseTree& tree) {
+std::size_t operandCount(NodeView tree) {
   const int type = tree.type() == 0 ? -1 : static_cast<int>(operatorOf(tree));
   return type < 0 ? 0 : arities[type];
 }

@@ -4,10 +4,9 @@
 #include "tessarin/foundation/location.hpp"
 #include "tessarin/foundation/text.hpp"
 #include "tessarin/parser/ast/Expr.hpp"
-#include "tessarin/parser/parse/ParseTree.hpp"
+#include "tessarin/parser/parse/FlatTree.hpp"
 
 #include <cstddef>
-#include <span>
 #include <type_traits>
 #include <vector>
 
@@ -16,28 +15,33 @@ namespace tessarin::compiler::core {
 // ---- the tree ----
 
 /// From the first to the last token; empty where there is none.
-nvf::Range rangeOf(const ParseTree& tree);
+nvf::Range rangeOf(NodeView tree);
 
 /// The place of the first token below; a default one where a tree that no text gives has none.
-nvf::Location placeOf(const ParseTree& tree);
+nvf::Location placeOf(NodeView tree);
 
 /// Where fatal diagnostics about trees that the grammar does not yield say that they come from, and what they say.
 inline constexpr const char* fromTreeSource = "parser/ast/ASTBuilder";
 inline constexpr const char* notRecognized = "Parse tree node not recognized.";
 
 /// The child at `i`. Where there is none, the tree is one that the grammar does not yield: a fatal diagnostic.
-const ParseTree& childOf(const ParseTree& tree, std::size_t i);
+NodeView childOf(NodeView tree, std::size_t i);
 
 /// The children of a non-terminal from the one at `first` on. Any other tree is a fatal diagnostic.
-std::span<const ParseTree> childrenOf(const ParseTree& tree, std::size_t first = 0);
+inline auto childrenOf(NodeView tree, std::size_t first = 0) {
+  return tree.children(first);
+}
+
+/// What a node holds, where nodes of its own kind in it stand for what they hold.
+std::vector<NodeView> rolled(NodeView tree);
 
 /// What `convert` makes of each child from the one at `first` on.
 template <class Convert>
-auto mapChildren(const ParseTree& tree, Convert convert, std::size_t first = 0) {
-  std::vector<std::invoke_result_t<Convert&, const ParseTree&>> result;
-  const std::span<const ParseTree> children = childrenOf(tree, first);
+auto mapChildren(NodeView tree, Convert convert, std::size_t first = 0) {
+  std::vector<std::invoke_result_t<Convert&, NodeView>> result;
+  const auto children = childrenOf(tree, first);
   result.reserve(children.size());
-  for (const ParseTree& child : children) result.push_back(convert(child));
+  for (const NodeView child : children) result.push_back(convert(child));
   return result;
 }
 
@@ -56,29 +60,29 @@ UnitLiteral unitOf(const Token& token);
 // ---- operators ----
 
 /// The operator of a node, which must be one.
-inline OpExprType operatorOf(const ParseTree& tree) {
+inline OpExprType operatorOf(NodeView tree) {
   return OpExpr::operatorType(tree.code());
 }
 
 /// The number of operands where the kind of the node is that of an operator; otherwise 0.
-std::size_t operandCount(const ParseTree& tree);
+std::size_t operandCount(NodeView tree);
 
 /// An operator between two operands, which `convert` makes expressions of. Right operands are converted before left
 /// ones, so that of several faults the one that stands last is reported. Chains to the left, which may be of any
 /// length, take a loop and no recursion.
 template <class Convert>
-Expr convertBinary(const ParseTree& tree, Convert convert) {
+Expr convertBinary(NodeView tree, Convert convert) {
   struct Step {
-    const ParseTree* tree;
+    NodeView tree;
     Expr right;
   };
   std::vector<Step> steps;
-  const ParseTree* left = &tree;
-  for (; operandCount(*left) == 2; left = &childOf(*left, 0)) steps.push_back({left, convert(childOf(*left, 2))});
-  Expr result = convert(*left);
+  NodeView left = tree;
+  for (; operandCount(left) == 2; left = childOf(left, 0)) steps.push_back({left, convert(childOf(left, 2))});
+  Expr result = convert(left);
   for (; !steps.empty(); steps.pop_back()) {
     const Step& step = steps.back();
-    result = OpExpr(operatorOf(*step.tree), result, step.right, rangeOf(*step.tree));
+    result = OpExpr(operatorOf(step.tree), result, step.right, rangeOf(step.tree));
   }
   return result;
 }

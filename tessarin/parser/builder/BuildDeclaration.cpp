@@ -2,8 +2,8 @@
 #include "tessarin/foundation/messages.hpp"
 #include "tessarin/parser/ast/Annotation.hpp"
 #include "tessarin/parser/ast/Declaration.hpp"
-#include "tessarin/parser/builder/ASTBuilder.hpp"
 #include "tessarin/parser/builder/BuildCommon.hpp"
+#include "tessarin/parser/builder/TreeBuilder.hpp"
 
 #include <utility>
 
@@ -24,29 +24,28 @@ IdListValuePair named(IdListValuePair pair) {
 
 } // namespace
 
-IdListValuePair ASTBuilder::buildEqnDeclaration(const ParseTree& tree, std::size_t idIndex,
-                                                std::size_t valueIndex) const {
+IdListValuePair TreeBuilder::buildEqnDeclaration(NodeView tree, std::size_t idIndex, std::size_t valueIndex) const {
   nvf::Expressions<OptIdent> ids = buildIdentList(childOf(tree, idIndex));
   return named(IdListValuePair(ids, buildExpr(childOf(tree, valueIndex)), false));
 }
 
-std::vector<IdListValuePair> ASTBuilder::buildEqDeclarationList(const ParseTree& tree) const {
-  return mapChildren(tree, [this](const ParseTree& item) { return buildEqnDeclaration(item, 0, 1); });
+std::vector<IdListValuePair> TreeBuilder::buildEqDeclarationList(NodeView tree) const {
+  return mapChildren(tree, [this](NodeView item) { return buildEqnDeclaration(item, 0, 1); });
 }
 
-Ident ASTBuilder::buildUntypedEqnDeclaration(const ParseTree& tree, std::size_t idIndex) const {
+Ident TreeBuilder::buildUntypedEqnDeclaration(NodeView tree, std::size_t idIndex) const {
   return buildIdent(childOf(tree, idIndex));
 }
 
-IdListValuePair ASTBuilder::buildModelItemDecl(const ParseTree& tree) const {
+IdListValuePair TreeBuilder::buildModelItemDecl(NodeView tree) const {
   nvf::Expressions<OptIdent> ids = buildIdentList(childOf(tree, 0));
   const Expr value = buildExpr(childOf(tree, 2));
   return named(IdListValuePair(ids, value, childOf(tree, 1).isTerminalType(TokenId::COLONEQUALS)));
 }
 
-ObjectArrayElementDecl ASTBuilder::buildObjArrayDecl(const ParseTree& tree) const {
+ObjectArrayElementDecl TreeBuilder::buildObjArrayDecl(NodeView tree) const {
   const Ident name = buildIdent(childOf(tree, 0));
-  nvf::Expressions<Ident> indices(mapChildren(childOf(tree, 2), [this](const ParseTree& item) {
+  nvf::Expressions<Ident> indices(mapChildren(childOf(tree, 2), [this](NodeView item) {
     const Expr index = buildExpr(item);
     const auto* variable = index.getIf<Variable>();
     if (variable == nullptr || !variable->isID()) {
@@ -57,12 +56,12 @@ ObjectArrayElementDecl ASTBuilder::buildObjArrayDecl(const ParseTree& tree) cons
   return ObjectArrayElementDecl(IdParenIds(name, indices), buildExpr(childOf(tree, 5)));
 }
 
-DeclarationBlock ASTBuilder::buildDeclarationBlock(const ParseTree& tree) const {
+DeclarationBlock TreeBuilder::buildDeclarationBlock(NodeView tree) const {
   const Token& keyword = childOf(tree, 0).token();
   const MemberType::Value type = DeclarationBlock::declarationType(keyword.code());
   const nvf::Expressions<IdentValuePair> attributes = buildIdentValuePairs(childOf(tree, 1));
   nvf::Expressions<DeclarationItem> declarations(
-      mapChildren(childOf(tree, 2), [this](const ParseTree& item) -> DeclarationItem {
+      mapChildren(childOf(tree, 2), [this](NodeView item) -> DeclarationItem {
         switch (item.code()) {
         case K::ModelItemDeclaration: return buildModelItemDecl(item);
         case K::ObjectArrayItemDeclaration: return buildObjArrayDecl(item);
@@ -76,17 +75,17 @@ DeclarationBlock ASTBuilder::buildDeclarationBlock(const ParseTree& tree) const 
   return DeclarationBlock(type, attributes, declarations, keyword.location());
 }
 
-FunctionEqnItem ASTBuilder::buildFunctionEqnItem(const ParseTree& tree) const {
+FunctionEqnItem TreeBuilder::buildFunctionEqnItem(NodeView tree) const {
   if (tree.isNonTerminalType(K::EqnAssert)) return buildEqnAssertion(tree);
   return buildEqnDeclaration(tree, 0, 1);
 }
 
-nvf::Expressions<FunctionEqnItem> ASTBuilder::buildFunctionEqnItems(const ParseTree& tree) const {
+nvf::Expressions<FunctionEqnItem> TreeBuilder::buildFunctionEqnItems(NodeView tree) const {
   return nvf::Expressions<FunctionEqnItem>(
-      mapChildren(tree, [this](const ParseTree& item) { return buildFunctionEqnItem(item); }));
+      mapChildren(tree, [this](NodeView item) { return buildFunctionEqnItem(item); }));
 }
 
-DefinitionsBlock ASTBuilder::buildDefinitionsBlock(const ParseTree& tree) const {
+DefinitionsBlock TreeBuilder::buildDefinitionsBlock(NodeView tree) const {
   const nvf::Expressions<IdentValuePair> attributes = buildIdentValuePairs(childOf(tree, 1));
   const nvf::Expressions<FunctionEqnItem> items = buildFunctionEqnItems(childOf(tree, 2));
   return DefinitionsBlock(items, attributes, childOf(tree, 0).token().location());
@@ -94,18 +93,18 @@ DefinitionsBlock ASTBuilder::buildDefinitionsBlock(const ParseTree& tree) const 
 
 // ---- names of other files ----
 
-Name ASTBuilder::buildTypeSpecifier(const ParseTree& tree) const {
-  return Name(nvf::Expressions<Ident>(mapChildren(tree, [this](const ParseTree& id) { return buildIdent(id); })));
+Name TreeBuilder::buildTypeSpecifier(NodeView tree) const {
+  return Name(nvf::Expressions<Ident>(mapChildren(tree, [this](NodeView id) { return buildIdent(id); })));
 }
 
-std::vector<ImportStmt> ASTBuilder::buildImports(const ParseTree& tree) const {
-  return mapChildren(tree, [this](const ParseTree& item) {
+std::vector<ImportStmt> TreeBuilder::buildImports(NodeView tree) const {
+  return mapChildren(tree, [this](NodeView item) {
     const bool isUnqualified = item.count() == 3; // the last child is the ".*"
     return ImportStmt(buildTypeSpecifier(childOf(item, 1)), isUnqualified, placeOf(childOf(item, 0)));
   });
 }
 
-ClassInitializer ASTBuilder::buildClassInitializer(const ParseTree& tree) const {
+ClassInitializer TreeBuilder::buildClassInitializer(NodeView tree) const {
   const Name name = buildTypeSpecifier(childOf(tree, 0));
   std::vector<NamedArgument> arguments;
   if (tree.count() > 1) arguments = buildEqnNamedArgs(childOf(tree, 1), true);
@@ -114,14 +113,13 @@ ClassInitializer ASTBuilder::buildClassInitializer(const ParseTree& tree) const 
 
 // ---- annotations ----
 
-AnnotationsBlock ASTBuilder::buildAnnotationsBlock(const ParseTree& tree) const {
+AnnotationsBlock TreeBuilder::buildAnnotationsBlock(NodeView tree) const {
   std::vector<IdentValuePair> classAnnotations;
   std::vector<MemberAnnotation> annotations;
-  for (const ParseTree& item : childrenOf(childOf(tree, 1))) {
+  for (const NodeView item : childrenOf(childOf(tree, 1))) {
     if (item.isNonTerminalType(K::AvPairs)) {
       // The pairs of one line stand nested, each behind a node of those before it.
-      const ParseTree pairs = item.roll();
-      for (const ParseTree& pair : childrenOf(pairs)) classAnnotations.push_back(buildIdentValuePair(pair));
+      for (const NodeView pair : rolled(item)) classAnnotations.push_back(buildIdentValuePair(pair));
     } else {
       annotations.push_back(buildMemberAnnotation(item));
     }
@@ -129,7 +127,7 @@ AnnotationsBlock ASTBuilder::buildAnnotationsBlock(const ParseTree& tree) const 
   return AnnotationsBlock(std::move(classAnnotations), std::move(annotations), childOf(tree, 0).token().location());
 }
 
-MemberAnnotation ASTBuilder::buildMemberAnnotation(const ParseTree& tree) const {
+MemberAnnotation TreeBuilder::buildMemberAnnotation(NodeView tree) const {
   if (childOf(tree, 0).isTerminalType(TokenId::ID)) {
     const nvf::Expressions<Ident> id{buildIdent(childOf(tree, 0))};
     return MemberAnnotation(id, buildIdentValuePairs(childOf(tree, 2)));

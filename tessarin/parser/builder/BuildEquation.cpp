@@ -2,8 +2,8 @@
 // arguments are here.
 #include "tessarin/foundation/messages.hpp"
 #include "tessarin/parser/ast/Conversions.hpp"
-#include "tessarin/parser/builder/ASTBuilder.hpp"
 #include "tessarin/parser/builder/BuildCommon.hpp"
+#include "tessarin/parser/builder/TreeBuilder.hpp"
 
 #include <utility>
 
@@ -14,24 +14,24 @@ using K = NonTerminal;
 
 // ---- items and blocks ----
 
-EqnItem ASTBuilder::buildEqnItem(const ParseTree& tree) const {
+EqnItem TreeBuilder::buildEqnItem(NodeView tree) const {
   if (tree.isNonTerminalType(K::EqnAssert)) return buildEqnAssertion(tree);
   return buildExpr(tree);
 }
 
-std::vector<EqnItem> ASTBuilder::buildEqnItemList(const ParseTree& tree) const {
-  return mapChildren(tree, [this](const ParseTree& item) { return buildEqnItem(item); });
+std::vector<EqnItem> TreeBuilder::buildEqnItemList(NodeView tree) const {
+  return mapChildren(tree, [this](NodeView item) { return buildEqnItem(item); });
 }
 
-EquationBlock ASTBuilder::buildEquationBlock(const ParseTree& tree) const {
+EquationBlock TreeBuilder::buildEquationBlock(NodeView tree) const {
   const nvf::Expressions<IdentValuePair> attributes = buildIdentValuePairs(childOf(tree, 1));
   return {buildEqnItemList(childOf(tree, 2)), attributes, childOf(tree, 0).token().location()};
 }
 
-IfExpr ASTBuilder::buildIfExpr(const ParseTree& tree) const {
+IfExpr TreeBuilder::buildIfExpr(NodeView tree) const {
   const Expr condition = buildExpr(childOf(tree, 1));
   const std::vector<EqnItem> ifItems = buildEqnItemList(childOf(tree, 2));
-  const std::vector<ElseifBranch> elseifs = mapChildren(childOf(tree, 3), [this](const ParseTree& branch) {
+  const std::vector<ElseifBranch> elseifs = mapChildren(childOf(tree, 3), [this](NodeView branch) {
     const std::vector<EqnItem> items = buildEqnItemList(childOf(branch, 1));
     return ElseifBranch(buildExpr(childOf(branch, 0)), items);
   });
@@ -39,22 +39,22 @@ IfExpr ASTBuilder::buildIfExpr(const ParseTree& tree) const {
   return {condition, ifItems, elseItems, elseifs, rangeOf(tree)};
 }
 
-LetExpr ASTBuilder::buildLetExpr(const ParseTree& tree) const {
+LetExpr TreeBuilder::buildLetExpr(NodeView tree) const {
   const std::vector<IdListValuePair> declarations = buildEqDeclarationList(childOf(tree, 1));
   return {declarations, buildEqnItemList(childOf(tree, 2)), rangeOf(tree)};
 }
 
-WhenClause ASTBuilder::buildWhenClause(const ParseTree& tree) const {
+WhenClause TreeBuilder::buildWhenClause(NodeView tree) const {
   const Expr predicate = buildExpr(childOf(tree, 0));
   const WhenBranch when(predicate, buildIdentValuePairs(childOf(tree, 1)));
-  return {when, mapChildren(childOf(tree, 2), [this](const ParseTree& branch) {
+  return {when, mapChildren(childOf(tree, 2), [this](NodeView branch) {
             const Expr condition = buildExpr(childOf(branch, 0));
             return ElseWhenBranch(condition, buildIdentValuePairs(childOf(branch, 1)));
           })};
 }
 
-EventBlock ASTBuilder::buildEventBlock(const ParseTree& tree) const {
-  return {mapChildren(childOf(tree, 1), [this](const ParseTree& clause) { return buildWhenClause(clause); }),
+EventBlock TreeBuilder::buildEventBlock(NodeView tree) const {
+  return {mapChildren(childOf(tree, 1), [this](NodeView clause) { return buildWhenClause(clause); }),
           childOf(tree, 0).token().location()};
 }
 
@@ -147,9 +147,9 @@ Expr action(const NamedArgument& argument) {
 
 } // namespace
 
-EqnAssertion ASTBuilder::buildEqnAssertion(const ParseTree& tree) const {
+EqnAssertion TreeBuilder::buildEqnAssertion(NodeView tree) const {
   const nvf::Location& keyword = childOf(tree, 0).token().location();
-  const ParseTree& arguments = childOf(tree, 2);
+  const NodeView arguments = childOf(tree, 2);
   const std::vector<Subscript> positional = buildSubscripts(childOf(arguments, 0));
   const std::vector<NamedArgument> named = buildEqnNamedArgs(childOf(arguments, 1), false);
 

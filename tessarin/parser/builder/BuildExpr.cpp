@@ -1,9 +1,9 @@
 // Expressions by the kind of their node; what is a reference is built in BuildReference.cpp.
 #include "tessarin/foundation/messages.hpp"
 #include "tessarin/foundation/stack.hpp"
-#include "tessarin/parser/builder/ASTBuilder.hpp"
 #include "tessarin/parser/builder/BuildCommon.hpp"
 #include "tessarin/parser/builder/BuildReference.hpp"
+#include "tessarin/parser/builder/TreeBuilder.hpp"
 
 #include <exception>
 #include <utility>
@@ -27,7 +27,7 @@ UnitLiteral buildUnitLiteral(const Token& token) {
   }
 }
 
-Expr buildTerminal(const ASTBuilder& builder, const Token& token) {
+Expr buildTerminal(const TreeBuilder& builder, const Token& token) {
   switch (token.code()) {
   case TokenId::NUMBER: return NumberLiteral(nvf::detail::NumberStringCheck()(token.text().view()), token.range());
   case TokenId::STRING:
@@ -38,22 +38,22 @@ Expr buildTerminal(const ASTBuilder& builder, const Token& token) {
   }
 }
 
-Expr buildBinary(const ASTBuilder& builder, const ParseTree& tree) {
-  return convertBinary(tree, [&](const ParseTree& operand) { return builder.buildExpr(operand); });
+Expr buildBinary(const TreeBuilder& builder, NodeView tree) {
+  return convertBinary(tree, [&](NodeView operand) { return builder.buildExpr(operand); });
 }
 
-Expr buildUnary(const ASTBuilder& builder, const ParseTree& tree, OpExprType type, std::size_t operand) {
+Expr buildUnary(const TreeBuilder& builder, NodeView tree, OpExprType type, std::size_t operand) {
   return OpExpr(type, builder.buildExpr(childOf(tree, operand)), rangeOf(tree));
 }
 
-Expr buildColon3(const ASTBuilder& builder, const ParseTree& tree) {
+Expr buildColon3(const TreeBuilder& builder, NodeView tree) {
   const Expr third = builder.buildExpr(childOf(tree, 4));
   const Expr second = builder.buildExpr(childOf(tree, 2));
   const Expr first = builder.buildExpr(childOf(tree, 0));
   return OpExpr(OpExprType::Colon3, first, second, third, rangeOf(tree));
 }
 
-Expr buildValueExpr(const ASTBuilder& builder, const ParseTree& tree) {
+Expr buildValueExpr(const TreeBuilder& builder, NodeView tree) {
   if (tree.count() != 3 && tree.count() != 4) fatal("Unexpected parse tree.", 452, buildExprSignature);
   const Expr value = builder.buildExpr(childOf(tree, 1));
   const UnitLiteral unit = buildUnitLiteral(childOf(tree, 2).token());
@@ -62,12 +62,12 @@ Expr buildValueExpr(const ASTBuilder& builder, const ParseTree& tree) {
   return ValueExpr(value, unit, builder.toCvLiteral(childOf(tree, 3).token()), range);
 }
 
-Expr buildUnitExpr(const ASTBuilder& builder, const ParseTree& tree) {
+Expr buildUnitExpr(const TreeBuilder& builder, NodeView tree) {
   const Expr value = builder.buildExpr(childOf(tree, 0));
   return UnitExpr(value, buildUnitLiteral(childOf(tree, 1).token()), rangeOf(tree));
 }
 
-Expr buildNonTerminal(const ASTBuilder& builder, const ParseTree& tree) {
+Expr buildNonTerminal(const TreeBuilder& builder, NodeView tree) {
   if (operandCount(tree) == 2) return buildBinary(builder, tree);
   switch (tree.code()) {
   case K::Colon3: return buildColon3(builder, tree);
@@ -94,20 +94,20 @@ Expr buildNonTerminal(const ASTBuilder& builder, const ParseTree& tree) {
 
 } // namespace
 
-Expr ASTBuilder::buildExpr(const ParseTree& tree) const {
+Expr TreeBuilder::buildExpr(NodeView tree) const {
   if (tree.type() == 0) return buildTerminal(*this, tree.token());
   return nvf::with_stack([&] { return buildNonTerminal(*this, tree); });
 }
 
-MatrixExpr ASTBuilder::buildMatrixExpr(const ParseTree& tree) const {
-  return {mapChildren(childOf(tree, 1), [this](const ParseTree& row) { return buildMatrixRow(row); }), rangeOf(tree)};
+MatrixExpr TreeBuilder::buildMatrixExpr(NodeView tree) const {
+  return {mapChildren(childOf(tree, 1), [this](NodeView row) { return buildMatrixRow(row); }), rangeOf(tree)};
 }
 
-MatrixExpr::Row ASTBuilder::buildMatrixRow(const ParseTree& tree) const {
-  return mapChildren(tree, [this](const ParseTree& element) { return buildExpr(element); });
+MatrixExpr::Row TreeBuilder::buildMatrixRow(NodeView tree) const {
+  return mapChildren(tree, [this](NodeView element) { return buildExpr(element); });
 }
 
-FieldValueArrayExpr ASTBuilder::buildFieldValueArrayExpr(const ParseTree& tree) const {
+FieldValueArrayExpr TreeBuilder::buildFieldValueArrayExpr(NodeView tree) const {
   return {buildIdentValuePairs(childOf(tree, 0)), rangeOf(tree)};
 }
 

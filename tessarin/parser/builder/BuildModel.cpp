@@ -4,8 +4,9 @@
 #include "tessarin/packages/ModelFile.hpp"
 #include "tessarin/packages/TSNFunctionFile.hpp"
 #include "tessarin/parser/ast/ComponentStructureInfo.hpp"
-#include "tessarin/parser/builder/ASTBuilder.hpp"
 #include "tessarin/parser/builder/BuildCommon.hpp"
+#include "tessarin/parser/builder/TreeBuilder.hpp"
+#include "tessarin/parser/parse/ParseTreeBuilder.hpp"
 
 #include <map>
 #include <utility>
@@ -21,7 +22,7 @@ namespace {
 class Sections {
 public:
   /// Builds the section and keeps it; tells whether it is of a kind that any body can hold.
-  bool add(const ASTBuilder& builder, const ParseTree& tree) {
+  bool add(const TreeBuilder& builder, NodeView tree) {
     switch (tree.code()) {
     case K::ConditionalSection: conditionals_.push_back(builder.buildConditionalSection(tree)); return true;
     case K::ForLoopSection: forLoops_.push_back(builder.buildForLoop(tree)); return true;
@@ -59,10 +60,10 @@ private:
 
 // ---- sections ----
 
-DeclarativeSections ASTBuilder::buildDeclarative(const ParseTree& tree) const {
+DeclarativeSections TreeBuilder::buildDeclarative(NodeView tree) const {
   return nvf::with_stack([&] {
     Sections sections;
-    for (const ParseTree& child : childrenOf(tree)) {
+    for (const NodeView child : childrenOf(tree)) {
       if (sections.add(*this, child)) continue;
       if (child.code() == K::NonExprStmt) raiseAt<IllegalSetupFunction>(placeOf(child));
       fatal(notRecognized, 649,
@@ -73,7 +74,7 @@ DeclarativeSections ASTBuilder::buildDeclarative(const ParseTree& tree) const {
   });
 }
 
-ConditionalSection ASTBuilder::buildConditionalSection(const ParseTree& tree) const {
+ConditionalSection TreeBuilder::buildConditionalSection(NodeView tree) const {
   const Expr predicate = buildExpr(childOf(tree, 0));
   const IfSection ifSection(predicate, buildDeclarative(childOf(tree, 1)));
   std::vector<ElseifSection> elseifs = buildElseifSections(childOf(tree, 2));
@@ -82,20 +83,20 @@ ConditionalSection ASTBuilder::buildConditionalSection(const ParseTree& tree) co
   return ConditionalSection(ifSection, std::move(elseifs), elseSection);
 }
 
-std::vector<ElseifSection> ASTBuilder::buildElseifSections(const ParseTree& tree) const {
-  return mapChildren(tree, [this](const ParseTree& item) { return buildElseifSection(item); });
+std::vector<ElseifSection> TreeBuilder::buildElseifSections(NodeView tree) const {
+  return mapChildren(tree, [this](NodeView item) { return buildElseifSection(item); });
 }
 
-ElseifSection ASTBuilder::buildElseifSection(const ParseTree& tree) const {
+ElseifSection TreeBuilder::buildElseifSection(NodeView tree) const {
   const Expr predicate = buildExpr(childOf(tree, 0));
   return ElseifSection(predicate, buildDeclarative(childOf(tree, 1)));
 }
 
-ElseSection ASTBuilder::buildElseSection(const ParseTree& tree) const {
+ElseSection TreeBuilder::buildElseSection(NodeView tree) const {
   return ElseSection(buildDeclarative(childOf(childOf(tree, 0), 0)));
 }
 
-ForLoop ASTBuilder::buildForLoop(const ParseTree& tree) const {
+ForLoop TreeBuilder::buildForLoop(NodeView tree) const {
   const IdentValuePair pair = buildIdentValuePair(childOf(tree, 0));
   const DeclarativeSections body = buildDeclarative(childOf(tree, 1));
   // Only what stands in the loop itself is refused: a block inside an `if` inside the loop passes, intended.
@@ -113,20 +114,20 @@ constexpr std::size_t firstSection = 3;
 
 } // namespace
 
-Model ASTBuilder::buildModel(const ParseTree& tree, FileSource source) const {
+Model TreeBuilder::buildModel(NodeView tree, FileSource source) const {
   const Token& keyword = childOf(tree, 0).token();
   const nvf::Expressions<IdentValuePair> attributes = buildIdentValuePairs(childOf(tree, 1));
   const Ident name = buildIdent(childOf(tree, 2));
   std::optional<ClassInitializer> baseClass;
   ParseTree setup;
   Sections sections;
-  for (const ParseTree& child : childrenOf(tree, firstSection)) {
+  for (const NodeView child : childrenOf(tree, firstSection)) {
     if (child.type() == 0) continue;
     if (sections.add(*this, child)) continue;
     switch (child.code()) {
     case K::NonExprStmt:
       if (setup.type() != 0) raiseAt<MultipleSetupFunctions>(placeOf(child));
-      setup = child;
+      setup = detach(child);
       break;
     case K::Baseclass: baseClass = buildClassInitializer(child); break;
     default:
@@ -141,19 +142,19 @@ Model ASTBuilder::buildModel(const ParseTree& tree, FileSource source) const {
 
 // ---- functions ----
 
-TSNFunction ASTBuilder::buildTSNFunction(const ParseTree& tree, FileSource source) const {
+TSNFunction TreeBuilder::buildTSNFunction(NodeView tree, FileSource source) const {
   const nvf::Expressions<Ident> outputs = buildIdentList1(childOf(tree, 0));
   const Ident name = buildIdent(childOf(tree, 1));
   nvf::Expressions<Ident> inputs;
   if (childOf(tree, 2).isNonTerminalType(K::FcnInputs)) inputs = buildIdentList1(childOf(childOf(tree, 2), 1));
   nvf::Expressions1<DefinitionsBlock> definitions(mapChildren(
-      tree, [this](const ParseTree& block) { return buildDefinitionsBlock(block); }, 3));
+      tree, [this](NodeView block) { return buildDefinitionsBlock(block); }, 3));
   return TSNFunction(name, outputs, inputs, definitions, source);
 }
 
-LocalTSNFunctions ASTBuilder::buildTSNFunctions(const ParseTree& tree, const Ident& mainName, FileSource source) const {
+LocalTSNFunctions TreeBuilder::buildTSNFunctions(NodeView tree, const Ident& mainName, FileSource source) const {
   std::map<nvf::CxId, TSNFunction> functions;
-  for (const ParseTree& child : childrenOf(tree)) {
+  for (const NodeView child : childrenOf(tree)) {
     const TSNFunction function = buildTSNFunction(child, source);
     const Ident& name = function.name();
     if (name.id() == mainName.id()) raiseAt<NoSameNameForLocalTSNFcn>(placeOf(child), name.string());
@@ -170,7 +171,7 @@ namespace {
 
 /// The model or function of a file, which must be of this kind; raises `Msg` for any other file.
 template <class Msg>
-const ParseTree& mainItem(const ParseTree& tree, NonTerminal::Value kind) {
+NodeView mainItem(NodeView tree, NonTerminal::Value kind) {
   if (childOf(tree, 0).isNonTerminalType(K::Stmts) || !childOf(tree, 1).isNonTerminalType(kind)) {
     throw nvf::MessageException(nvf::Message(Msg()));
   }
@@ -179,7 +180,7 @@ const ParseTree& mainItem(const ParseTree& tree, NonTerminal::Value kind) {
 
 } // namespace
 
-TSNFile ASTBuilder::buildTSNFile(const ParseTree& tree, FileSource source) const {
+TSNFile TreeBuilder::buildTSNFile(NodeView tree, FileSource source) const {
   if (childOf(tree, 0).isNonTerminalType(K::Stmts)) throw nvf::MessageException(nvf::Message(InvalidTsnFile()));
   if (childOf(tree, 1).isNonTerminalType(K::Model)) return buildModelFile(tree, source);
   return buildTSNFunctionFile(tree, source);
@@ -188,26 +189,26 @@ TSNFile ASTBuilder::buildTSNFile(const ParseTree& tree, FileSource source) const
 // Faults in local functions come before those in imports, and these before those in the model or function itself,
 // whatever their order in the text, intended.
 
-ModelFile ASTBuilder::buildModelFile(const ParseTree& tree, FileSource source) const {
-  const ParseTree& model = mainItem<InvalidTsnModel>(tree, K::Model);
+ModelFile TreeBuilder::buildModelFile(NodeView tree, FileSource source) const {
+  const NodeView model = mainItem<InvalidTsnModel>(tree, K::Model);
   const LocalTSNFunctions functions = buildTSNFunctions(childOf(tree, 2), buildIdent(childOf(model, 2)), source);
   const std::vector<ImportStmt> imports = buildImports(childOf(tree, 0));
   return ModelFile(buildModel(model, source), imports, functions);
 }
 
-TSNFunctionFile ASTBuilder::buildTSNFunctionFile(const ParseTree& tree, FileSource source) const {
-  const ParseTree& function = mainItem<InvalidTsnFunction>(tree, K::TSNFunction);
+TSNFunctionFile TreeBuilder::buildTSNFunctionFile(NodeView tree, FileSource source) const {
+  const NodeView function = mainItem<InvalidTsnFunction>(tree, K::TSNFunction);
   const LocalTSNFunctions functions = buildTSNFunctions(childOf(tree, 2), buildIdent(childOf(function, 1)), source);
   const std::vector<ImportStmt> imports = buildImports(childOf(tree, 0));
   return TSNFunctionFile(buildTSNFunction(function, source), imports, functions);
 }
 
-ComponentStructureInfo ASTBuilder::extractStructureInfo(const ParseTree& tree) const {
-  const ParseTree& model = mainItem<InvalidTsnModel>(tree, K::Model);
+ComponentStructureInfo TreeBuilder::extractStructureInfo(NodeView tree) const {
+  const NodeView model = mainItem<InvalidTsnModel>(tree, K::Model);
   std::vector<DeclarationBlock> declarations;
   std::vector<ConnectionBlock> connections;
   std::vector<BranchBlock> branches;
-  for (const ParseTree& child : childrenOf(model, firstSection)) {
+  for (const NodeView child : childrenOf(model, firstSection)) {
     if (child.type() == 0) continue;
     switch (child.code()) {
     case K::NonExprStmt:

@@ -25,29 +25,29 @@ constexpr const char* buildVariableSignature =
 
 // ---- shapes ----
 
-bool isReference(const ParseTree& tree) {
+bool isReference(NodeView tree) {
   return tree.isNonTerminalType(K::Subsref);
 }
 
-/// The arguments of a reference that is one name with one argument list in parentheses; null for any other tree.
-const ParseTree* callArguments(const ParseTree& tree) {
-  if (!isReference(tree) || tree.count() != 4 || !childOf(tree, 1).isTerminalType(TokenId::LP)) return nullptr;
-  return childOf(tree, 2).isNonTerminalType(K::EqnArgs) ? &childOf(tree, 2) : nullptr;
+/// The arguments of a reference that is one name with one argument list in parentheses; nothing for any other tree.
+std::optional<NodeView> callArguments(NodeView tree) {
+  if (!isReference(tree) || tree.count() != 4 || !childOf(tree, 1).isTerminalType(TokenId::LP)) return std::nullopt;
+  return childOf(tree, 2).isNonTerminalType(K::EqnArgs) ? std::optional(childOf(tree, 2)) : std::nullopt;
 }
 
-const ParseTree& positionalList(const ParseTree& arguments) {
+NodeView positionalList(NodeView arguments) {
   return childOf(arguments, 0);
 }
-const ParseTree& namedList(const ParseTree& arguments) {
+NodeView namedList(NodeView arguments) {
   return childOf(arguments, 1);
 }
 
 /// The positional arguments of a call of a reserved name, which takes no named ones and `least` to `most` positional
 /// ones. Raises `Msg` at the name for any other tree.
 template <class Msg>
-const ParseTree& reservedArguments(const ParseTree& tree, std::size_t least, std::size_t most) {
-  if (const ParseTree* arguments = callArguments(tree)) {
-    const ParseTree& positional = positionalList(*arguments);
+NodeView reservedArguments(NodeView tree, std::size_t least, std::size_t most) {
+  if (const auto arguments = callArguments(tree)) {
+    const NodeView positional = positionalList(*arguments);
     const bool fits = positional.count() >= least && positional.count() <= most;
     if (fits && namedList(*arguments).count() == 0) return positional;
   }
@@ -57,7 +57,7 @@ const ParseTree& reservedArguments(const ParseTree& tree, std::size_t least, std
 constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);
 
 /// The positions of the names among the children of a reference.
-std::vector<std::size_t> namePositions(const ParseTree& tree) {
+std::vector<std::size_t> namePositions(NodeView tree) {
   std::vector<std::size_t> positions;
   for (std::size_t i = 0; i < tree.count(); ++i) {
     if (childOf(tree, i).isTerminalType(TokenId::ID)) positions.push_back(i);
@@ -65,18 +65,18 @@ std::vector<std::size_t> namePositions(const ParseTree& tree) {
   return positions;
 }
 
-nvf::ustring_view firstName(const ParseTree& tree) {
+nvf::ustring_view firstName(NodeView tree) {
   return childOf(tree, 0).token().text().view();
 }
 
 /// An argument list among the children of a reference, with the parentheses around it.
 struct ArgumentList {
-  const ParseTree& arguments;
+  NodeView arguments;
   nvf::Range range;
 };
 
-ArgumentList argumentListAt(const ParseTree& tree, std::size_t position) {
-  const ParseTree& arguments = childOf(tree, position + 1);
+ArgumentList argumentListAt(NodeView tree, std::size_t position) {
+  const NodeView arguments = childOf(tree, position + 1);
   if (!arguments.isNonTerminalType(K::EqnArgs)) fatal(notRecognized, 575, buildVariableSignature);
   return {arguments, rangeOf(childOf(tree, position)) + rangeOf(childOf(tree, position + 2))};
 }
@@ -92,7 +92,7 @@ std::optional<ParenSubs> furtherSubs(std::vector<Subscript> all, std::size_t cou
 
 /// The variable that an argument of a reserved call must be.
 template <class Msg>
-Variable variableArgument(const ASTBuilder& builder, const ParseTree& call, const ParseTree& argument) {
+Variable variableArgument(const TreeBuilder& builder, NodeView call, NodeView argument) {
   if (!isReference(argument)) raiseAt<Msg>(placeOf(call));
   return builder.buildVariable(argument);
 }
@@ -104,13 +104,13 @@ struct Callee {
 };
 
 /// The positional arguments of an argument list that has no named ones.
-std::vector<Expr> positionalOf(const ParseTree& call, const Arguments& list) {
+std::vector<Expr> positionalOf(NodeView call, const Arguments& list) {
   std::optional<FunctionCallArguments> arguments = to_functioncall_args(list);
   if (!arguments || !arguments->named.empty()) raiseAt<InvalidFunctionCallSyntax>(placeOf(call));
   return std::move(arguments->positional);
 }
 
-Callee calleeOf(const ASTBuilder& builder, const ParseTree& call, const ParseTree& argument) {
+Callee calleeOf(const TreeBuilder& builder, NodeView call, NodeView argument) {
   const auto pair = to_pathtailpair(variableArgument<InvalidFunctionCallSyntax>(builder, call, argument));
   if (!pair) raiseAt<InvalidFunctionCallSyntax>(placeOf(call));
   Callee callee{pair->first, std::nullopt};
@@ -120,8 +120,7 @@ Callee calleeOf(const ASTBuilder& builder, const ParseTree& call, const ParseTre
 
 /// The path with constant indices of the reference that the argument must be.
 template <class Msg>
-nvf::Expressions<IdValueIndices> constantPath(const ASTBuilder& builder, const ParseTree& call,
-                                              const ParseTree& argument) {
+nvf::Expressions<IdValueIndices> constantPath(const TreeBuilder& builder, NodeView call, NodeView argument) {
   if (!isReference(argument)) raiseAt<Msg>(placeOf(call));
   const auto path = to_idvalueindicespath(builder.buildIdSubsPath(argument, namePositions(argument)));
   if (!path || path->empty()) raiseAt<Msg>(placeOf(call));
@@ -131,7 +130,7 @@ nvf::Expressions<IdValueIndices> constantPath(const ASTBuilder& builder, const P
 // ---- the tokens of a concrete value ----
 
 /// The text of a number, of "inf" or of "nan" in any case; nothing for any other tree.
-std::optional<nvf::ustring> unsignedNumberText(const ParseTree& tree) {
+std::optional<nvf::ustring> unsignedNumberText(NodeView tree) {
   if (tree.isTerminalType(TokenId::NUMBER)) return nvf::ustring(tree.token().text().view());
   if (!isReference(tree) || tree.count() != 1) return std::nullopt;
   nvf::ustring lower(firstName(tree));
@@ -141,7 +140,7 @@ std::optional<nvf::ustring> unsignedNumberText(const ParseTree& tree) {
   return nvf::ustring(firstName(tree));
 }
 
-std::optional<nvf::ValueToken> valueToken(const ParseTree& tree) {
+std::optional<nvf::ValueToken> valueToken(NodeView tree) {
   if (tree.isTerminalType(TokenId::STRING)) {
     std::string text;
     for (const char16_t unit : tree.token().text()) text += static_cast<char>(unit);
@@ -154,11 +153,11 @@ std::optional<nvf::ValueToken> valueToken(const ParseTree& tree) {
   return nvf::NumericValueToken(text);
 }
 
-std::optional<std::vector<nvf::ValueToken>> valueTokens(const ParseTree& tree) {
-  const ParseTree* arguments = callArguments(tree);
-  if (arguments == nullptr || namedList(*arguments).count() != 0) return std::nullopt;
+std::optional<std::vector<nvf::ValueToken>> valueTokens(NodeView tree) {
+  const auto arguments = callArguments(tree);
+  if (!arguments || namedList(*arguments).count() != 0) return std::nullopt;
   std::vector<nvf::ValueToken> tokens;
-  for (const ParseTree& child : childrenOf(positionalList(*arguments))) {
+  for (const NodeView child : childrenOf(positionalList(*arguments))) {
     std::optional<nvf::ValueToken> token = valueToken(child);
     if (!token) return std::nullopt;
     tokens.push_back(std::move(*token));
@@ -168,7 +167,7 @@ std::optional<std::vector<nvf::ValueToken>> valueTokens(const ParseTree& tree) {
 
 // ---- the reserved names ----
 
-using Build = Expr (*)(const ASTBuilder&, const ParseTree&);
+using Build = Expr (*)(const TreeBuilder&, NodeView);
 
 /// The builder of the form that the name is reserved for; null for an ordinary name.
 Build reservedForm(nvf::ustring_view name) {
@@ -178,25 +177,24 @@ Build reservedForm(nvf::ustring_view name) {
   };
   static const Row rows[] = {
       {FullPathVariable::ctor().view(),
-       [](const ASTBuilder& b, const ParseTree& t) { return Expr(b.buildFullPathVariable(t)); }},
+       [](const TreeBuilder& b, NodeView t) { return Expr(b.buildFullPathVariable(t)); }},
       {RelativePathVariable::ctor().view(),
-       [](const ASTBuilder& b, const ParseTree& t) { return Expr(b.buildRelativePathVariable(t)); }},
+       [](const TreeBuilder& b, NodeView t) { return Expr(b.buildRelativePathVariable(t)); }},
       {ConcreteValueExpr::constructorName().view(),
-       [](const ASTBuilder& b, const ParseTree& t) { return b.buildConcreteValueExpr(t); }},
-      {MRVIndex::ctor().view(), [](const ASTBuilder& b, const ParseTree& t) { return b.buildMRVIndex(t); }},
-      {TransitionExpr::ctor().view(), [](const ASTBuilder& b, const ParseTree& t) { return b.buildTransitionExpr(t); }},
-      {ModechartEqnExpr::ctor().view(),
-       [](const ASTBuilder& b, const ParseTree& t) { return b.buildModechartEqnExpr(t); }},
+       [](const TreeBuilder& b, NodeView t) { return b.buildConcreteValueExpr(t); }},
+      {MRVIndex::ctor().view(), [](const TreeBuilder& b, NodeView t) { return b.buildMRVIndex(t); }},
+      {TransitionExpr::ctor().view(), [](const TreeBuilder& b, NodeView t) { return b.buildTransitionExpr(t); }},
+      {ModechartEqnExpr::ctor().view(), [](const TreeBuilder& b, NodeView t) { return b.buildModechartEqnExpr(t); }},
       {NativeFunctionCall::ctor().view(),
-       [](const ASTBuilder& b, const ParseTree& t) { return Expr(b.buildNativeFunctionCall(t)); }},
+       [](const TreeBuilder& b, NodeView t) { return Expr(b.buildNativeFunctionCall(t)); }},
       {CalvexFunctionCall::ctor().view(),
-       [](const ASTBuilder& b, const ParseTree& t) { return Expr(b.buildCalvexFunctionCall(t)); }},
+       [](const TreeBuilder& b, NodeView t) { return Expr(b.buildCalvexFunctionCall(t)); }},
       {TessarinFunctionCall::ctor().view(),
-       [](const ASTBuilder& b, const ParseTree& t) { return Expr(b.buildTessarinFunctionCall(t)); }},
+       [](const TreeBuilder& b, NodeView t) { return Expr(b.buildTessarinFunctionCall(t)); }},
       {TessarinLocalFunctionCall::ctor().view(),
-       [](const ASTBuilder& b, const ParseTree& t) { return Expr(b.buildTessarinLocalFunctionCall(t)); }},
-      {ValueRef::ctor().view(), [](const ASTBuilder& b, const ParseTree& t) { return Expr(b.buildValueRef(t)); }},
-      {ObjectRef::ctor().view(), [](const ASTBuilder& b, const ParseTree& t) { return Expr(b.buildObjectRef(t)); }},
+       [](const TreeBuilder& b, NodeView t) { return Expr(b.buildTessarinLocalFunctionCall(t)); }},
+      {ValueRef::ctor().view(), [](const TreeBuilder& b, NodeView t) { return Expr(b.buildValueRef(t)); }},
+      {ObjectRef::ctor().view(), [](const TreeBuilder& b, NodeView t) { return Expr(b.buildObjectRef(t)); }},
   };
   if (!name.ends_with(u"__")) return nullptr; // as all of them do
   for (const Row& row : rows) {
@@ -207,14 +205,14 @@ Build reservedForm(nvf::ustring_view name) {
 
 } // namespace
 
-Expr buildReference(const ASTBuilder& builder, const ParseTree& tree) {
+Expr buildReference(const TreeBuilder& builder, NodeView tree) {
   if (const Build build = reservedForm(firstName(tree))) return build(builder, tree);
   return builder.buildVariable(tree);
 }
 
 // ---- variables ----
 
-Variable ASTBuilder::buildVariable(const ParseTree& tree) const {
+Variable TreeBuilder::buildVariable(NodeView tree) const {
   // Most are a plain name.
   if (tree.count() == 1 && tree.child(0).isTerminalType(TokenId::ID)) {
     return {buildIdent(tree.child(0)), {}, std::nullopt, rangeOf(tree)};
@@ -233,8 +231,8 @@ Variable ASTBuilder::buildVariable(const ParseTree& tree) const {
   return {buildIdent(childOf(tree, last)), path, arguments, rangeOf(tree)};
 }
 
-nvf::Expressions<IdParenSubs> ASTBuilder::buildIdSubsPath(const ParseTree& tree,
-                                                          const std::vector<std::size_t>& positions) const {
+nvf::Expressions<IdParenSubs> TreeBuilder::buildIdSubsPath(NodeView tree,
+                                                           const std::vector<std::size_t>& positions) const {
   std::vector<IdParenSubs> steps;
   steps.reserve(positions.size());
   for (const std::size_t position : positions) {
@@ -244,27 +242,27 @@ nvf::Expressions<IdParenSubs> ASTBuilder::buildIdSubsPath(const ParseTree& tree,
       continue;
     }
     const ArgumentList list = argumentListAt(tree, position + 1);
-    const ParseTree& named = namedList(list.arguments);
+    const NodeView named = namedList(list.arguments);
     if (named.count() != 0) raiseAt<UnexpectedNamedArg>(placeOf(named));
     steps.emplace_back(name, ParenSubs(buildSubscripts(positionalList(list.arguments)), list.range));
   }
   return nvf::Expressions<IdParenSubs>(std::move(steps));
 }
 
-std::vector<Subscript> ASTBuilder::buildSubscripts(const ParseTree& tree) const {
-  return mapChildren(tree, [this](const ParseTree& child) {
+std::vector<Subscript> TreeBuilder::buildSubscripts(NodeView tree) const {
+  return mapChildren(tree, [this](NodeView child) {
     if (child.isTerminalType(TokenId::COLON)) return Subscript(Subscript::Type::Colon, child.token().location());
     return Subscript(buildExpr(child));
   });
 }
 
-std::vector<NamedArgument> ASTBuilder::buildEqnNamedArgs(const ParseTree& tree, bool allowColonEquals) const {
-  return mapChildren(tree, [&](const ParseTree& child) {
+std::vector<NamedArgument> TreeBuilder::buildEqnNamedArgs(NodeView tree, bool allowColonEquals) const {
+  return mapChildren(tree, [&](NodeView child) {
     const Expr value = buildExpr(childOf(child, 2));
-    const ParseTree& sign = childOf(child, 1);
+    const NodeView sign = childOf(child, 1);
     const bool isColonEquals = sign.isTerminalType(TokenId::COLONEQUALS);
     if (isColonEquals && !allowColonEquals) raiseAt<NoColonEquals>(placeOf(sign));
-    const ParseTree& name = childOf(child, 0);
+    const NodeView name = childOf(child, 0);
     const bool isValueRef = firstName(name) == ValueRef::ctor().view();
     return NamedArgument(isValueRef ? NamedArgumentName(buildValueRef(name)) : NamedArgumentName(buildVariable(name)),
                          value, isColonEquals);
@@ -273,18 +271,18 @@ std::vector<NamedArgument> ASTBuilder::buildEqnNamedArgs(const ParseTree& tree, 
 
 // ---- paths ----
 
-FullPathVariable ASTBuilder::buildFullPathVariable(const ParseTree& tree) const {
+FullPathVariable TreeBuilder::buildFullPathVariable(NodeView tree) const {
   using Msg = InvalidFullPathVariableSyntax;
-  const ParseTree& positional = reservedArguments<Msg>(tree, 1, anyNumber);
+  const NodeView positional = reservedArguments<Msg>(tree, 1, anyNumber);
   const std::vector<Subscript> subs = buildSubscripts(positional);
   if (subs.front().expr() == nullptr) raiseAt<Msg>(placeOf(tree));
   return {to_unique_paths(*subs.front().expr()), furtherSubs(subs, 1, rangeOf(positional)), std::nullopt,
           rangeOf(tree)};
 }
 
-RelativePathVariable ASTBuilder::buildRelativePathVariable(const ParseTree& tree) const {
+RelativePathVariable TreeBuilder::buildRelativePathVariable(NodeView tree) const {
   using Msg = InvalidRelativePathVariableSyntax;
-  const ParseTree& positional = reservedArguments<Msg>(tree, 2, anyNumber);
+  const NodeView positional = reservedArguments<Msg>(tree, 2, anyNumber);
   const std::vector<Subscript> subs = buildSubscripts(positional);
   const std::size_t depth = subs[0].expr() == nullptr ? 0 : to_whole_number(*subs[0].expr()).value_or(0);
   const Variable* name = subs[1].expr() == nullptr ? nullptr : subs[1].expr()->getIf<Variable>();
@@ -294,7 +292,7 @@ RelativePathVariable ASTBuilder::buildRelativePathVariable(const ParseTree& tree
 
 // ---- values and wrappers ----
 
-Expr ASTBuilder::buildConcreteValueExpr(const ParseTree& tree) const {
+Expr TreeBuilder::buildConcreteValueExpr(NodeView tree) const {
   if (toValue_ != nullptr) {
     if (const auto tokens = valueTokens(tree)) {
       if (const auto value = (*toValue_)(*tokens)) return ConcreteValueExpr(*value, rangeOf(tree));
@@ -303,9 +301,9 @@ Expr ASTBuilder::buildConcreteValueExpr(const ParseTree& tree) const {
   return buildVariable(tree);
 }
 
-Expr ASTBuilder::buildMRVIndex(const ParseTree& tree) const {
-  if (callArguments(tree) == nullptr) return buildVariable(tree);
-  const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 3, 3);
+Expr TreeBuilder::buildMRVIndex(NodeView tree) const {
+  if (!callArguments(tree)) return buildVariable(tree);
+  const NodeView positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 3, 3);
   const auto index = [&](std::size_t i) {
     if (!childOf(positional, i).isTerminalType(TokenId::NUMBER)) raiseAt<InvalidFunctionCallSyntax>(placeOf(tree));
     std::string digits;
@@ -317,31 +315,31 @@ Expr ASTBuilder::buildMRVIndex(const ParseTree& tree) const {
   return MRVIndex(expr, rvIndex, index(2), rangeOf(tree));
 }
 
-Expr ASTBuilder::buildTransitionExpr(const ParseTree& tree) const {
-  if (callArguments(tree) == nullptr) return buildVariable(tree);
-  const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 2, 2);
+Expr TreeBuilder::buildTransitionExpr(NodeView tree) const {
+  if (!callArguments(tree)) return buildVariable(tree);
+  const NodeView positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 2, 2);
   const Expr expr = buildExpr(childOf(positional, 0));
   return TransitionExpr(expr, buildExpr(childOf(positional, 1)));
 }
 
-Expr ASTBuilder::buildModechartEqnExpr(const ParseTree& tree) const {
-  if (callArguments(tree) == nullptr) return buildVariable(tree);
-  const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 1, 1);
+Expr TreeBuilder::buildModechartEqnExpr(NodeView tree) const {
+  if (!callArguments(tree)) return buildVariable(tree);
+  const NodeView positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 1, 1);
   return ModechartEqnExpr(buildExpr(childOf(positional, 0)).get<IfExpr>());
 }
 
 // ---- calls ----
 
-NativeFunctionCall ASTBuilder::buildNativeFunctionCall(const ParseTree& tree) const {
-  const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 1, 1);
+NativeFunctionCall TreeBuilder::buildNativeFunctionCall(NodeView tree) const {
+  const NodeView positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 1, 1);
   const auto call =
       to_nativefunctioncall(variableArgument<InvalidFunctionCallSyntax>(*this, tree, childOf(positional, 0)));
   if (!call) raiseAt<InvalidFunctionCallSyntax>(placeOf(tree));
   return *call;
 }
 
-CalvexFunctionCall ASTBuilder::buildCalvexFunctionCall(const ParseTree& tree) const {
-  const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 4, 4);
+CalvexFunctionCall TreeBuilder::buildCalvexFunctionCall(NodeView tree) const {
+  const NodeView positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 4, 4);
   const Callee callee = calleeOf(*this, tree, childOf(positional, 0));
   const auto flag = [&](std::size_t i) {
     if (childOf(positional, i).type() != 0) raiseAt<InvalidFunctionCallSyntax>(placeOf(tree));
@@ -355,16 +353,16 @@ CalvexFunctionCall ASTBuilder::buildCalvexFunctionCall(const ParseTree& tree) co
   return {callee.path, *callee.arguments, isEnum, dottedEnum, evalCompileTime, range};
 }
 
-TessarinFunctionCall ASTBuilder::buildTessarinFunctionCall(const ParseTree& tree) const {
-  const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 1, 1);
+TessarinFunctionCall TreeBuilder::buildTessarinFunctionCall(NodeView tree) const {
+  const NodeView positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 1, 1);
   const Callee callee = calleeOf(*this, tree, childOf(positional, 0));
   const nvf::Range range = rangeOf(tree);
   if (!callee.arguments) return {callee.path, range};
   return {callee.path, *callee.arguments, range};
 }
 
-TessarinLocalFunctionCall ASTBuilder::buildTessarinLocalFunctionCall(const ParseTree& tree) const {
-  const ParseTree& positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 2, 2);
+TessarinLocalFunctionCall TreeBuilder::buildTessarinLocalFunctionCall(NodeView tree) const {
+  const NodeView positional = reservedArguments<InvalidFunctionCallSyntax>(tree, 2, 2);
   const Callee file = calleeOf(*this, tree, childOf(positional, 0));
   const Variable function = variableArgument<InvalidFunctionCallSyntax>(*this, tree, childOf(positional, 1));
   if (file.arguments || !function.leadingPath().empty()) raiseAt<InvalidFunctionCallSyntax>(placeOf(tree));
@@ -375,9 +373,9 @@ TessarinLocalFunctionCall ASTBuilder::buildTessarinLocalFunctionCall(const Parse
 
 // ---- references to values and objects ----
 
-ValueRef ASTBuilder::buildValueRef(const ParseTree& tree) const {
+ValueRef TreeBuilder::buildValueRef(NodeView tree) const {
   using Msg = InvalidValueRefSyntax;
-  const ParseTree& positional = reservedArguments<Msg>(tree, 1, 2);
+  const NodeView positional = reservedArguments<Msg>(tree, 1, 2);
   const nvf::Expressions<IdValueIndices> path = constantPath<Msg>(*this, tree, childOf(positional, 0));
   const IdValueIndices& last = *(path.end() - 1);
   if (last.indices()) raiseAt<Msg>(placeOf(tree));
@@ -387,9 +385,9 @@ ValueRef ASTBuilder::buildValueRef(const ParseTree& tree) const {
           rangeOf(tree)};
 }
 
-std::optional<ValueRefTail> ASTBuilder::buildValueRefTail(const ParseTree& tree) const {
+std::optional<ValueRefTail> TreeBuilder::buildValueRefTail(NodeView tree) const {
   using Msg = InvalidValueRefSyntax;
-  const ParseTree& positional = reservedArguments<Msg>(tree, 0, anyNumber);
+  const NodeView positional = reservedArguments<Msg>(tree, 0, anyNumber);
   // Any name but this one stands for subscripts: intended.
   if (firstName(tree) != ValueRef::idTailCtor().view()) {
     return ValueRefTail(ParenSubs(buildSubscripts(positional), rangeOf(tree)));
@@ -400,9 +398,9 @@ std::optional<ValueRefTail> ASTBuilder::buildValueRefTail(const ParseTree& tree)
   return ValueRefTail(name.id());
 }
 
-ObjectRef ASTBuilder::buildObjectRef(const ParseTree& tree) const {
+ObjectRef TreeBuilder::buildObjectRef(NodeView tree) const {
   using Msg = InvalidObjectRefSyntax;
-  const ParseTree& positional = reservedArguments<Msg>(tree, 1, 1);
+  const NodeView positional = reservedArguments<Msg>(tree, 1, 1);
   const nvf::Expressions<IdValueIndices> path = constantPath<Msg>(*this, tree, childOf(positional, 0));
   return {nvf::Expressions1<IdValueIndices>(path), std::nullopt, rangeOf(tree)};
 }

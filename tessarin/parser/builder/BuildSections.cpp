@@ -3,8 +3,8 @@
 #include "tessarin/parser/ast/Branch.hpp"
 #include "tessarin/parser/ast/Connection.hpp"
 #include "tessarin/parser/ast/Modechart.hpp"
-#include "tessarin/parser/builder/ASTBuilder.hpp"
 #include "tessarin/parser/builder/BuildCommon.hpp"
+#include "tessarin/parser/builder/TreeBuilder.hpp"
 
 #include <utility>
 
@@ -15,12 +15,12 @@ using K = NonTerminal;
 
 // ---- branches ----
 
-BranchBlock ASTBuilder::buildBranchBlock(const ParseTree& tree) const {
-  return BranchBlock(mapChildren(childOf(tree, 1), [this](const ParseTree& item) { return buildThrough(item); }),
+BranchBlock TreeBuilder::buildBranchBlock(NodeView tree) const {
+  return BranchBlock(mapChildren(childOf(tree, 1), [this](NodeView item) { return buildThrough(item); }),
                      childOf(tree, 0).token().location());
 }
 
-Through ASTBuilder::buildThrough(const ParseTree& tree) const {
+Through TreeBuilder::buildThrough(NodeView tree) const {
   const ThroughLeaf from = buildThroughLeaf(childOf(tree, 2));
   const ThroughLeaf to = buildThroughLeaf(childOf(tree, 4));
   const Variable variable = buildVariable(childOf(tree, 0));
@@ -34,7 +34,7 @@ Through ASTBuilder::buildThrough(const ParseTree& tree) const {
   return Through(IdParenSubs(variable.id(), subs), from, to, nvf::Location());
 }
 
-ThroughLeaf ASTBuilder::buildThroughLeaf(const ParseTree& tree) const {
+ThroughLeaf TreeBuilder::buildThroughLeaf(NodeView tree) const {
   if (tree.type() == 0) return buildImplicitReference(tree);
   if (childOf(tree, 0).token().text() == ValueRef::ctor().text()) return buildValueRef(tree);
   return buildVariable(tree);
@@ -42,13 +42,13 @@ ThroughLeaf ASTBuilder::buildThroughLeaf(const ParseTree& tree) const {
 
 // ---- connections ----
 
-ConnectionBlock ASTBuilder::buildConnectionBlock(const ParseTree& tree) const {
-  return ConnectionBlock(mapChildren(childOf(tree, 1), [this](const ParseTree& item) { return buildConnection(item); }),
+ConnectionBlock TreeBuilder::buildConnectionBlock(NodeView tree) const {
+  return ConnectionBlock(mapChildren(childOf(tree, 1), [this](NodeView item) { return buildConnection(item); }),
                          childOf(tree, 0).token().location());
 }
 
-Connection ASTBuilder::buildConnection(const ParseTree& tree) const {
-  const auto argument = [this](const ParseTree& item) -> ConnectionArg {
+Connection TreeBuilder::buildConnection(NodeView tree) const {
+  const auto argument = [this](NodeView item) -> ConnectionArg {
     // A literal stands for the implicit reference too, intended.
     if (item.type() == 0) return buildImplicitReference(item);
     const Expr expr = buildExpr(item);
@@ -57,8 +57,8 @@ Connection ASTBuilder::buildConnection(const ParseTree& tree) const {
     if (const auto* variable = expr.getIf<Variable>()) return *variable;
     raiseAt<InvalidConnectionArg>(expr_location(expr), to_user_string(expr));
   };
-  const ParseTree& list = childOf(tree, 2);
-  const ParseTree& head = childOf(list, 0);
+  const NodeView list = childOf(tree, 2);
+  const NodeView head = childOf(list, 0);
   const ConnectionFirstArg first = head.isTerminalType(TokenId::MUL) ? ConnectionFirstArg(buildImplicitReference(head))
                                                                      : ConnectionFirstArg(buildExpr(head));
   return Connection(first, mapChildren(list, argument, 1), childOf(tree, 0).token().location());
@@ -66,23 +66,23 @@ Connection ASTBuilder::buildConnection(const ParseTree& tree) const {
 
 // ---- modecharts ----
 
-ModechartBlock ASTBuilder::buildModechartBlock(const ParseTree& tree) const {
+ModechartBlock TreeBuilder::buildModechartBlock(NodeView tree) const {
   const nvf::Expressions<IdentValuePair> attributes = buildIdentValuePairs(childOf(tree, 1));
-  return ModechartBlock(
-      attributes, mapChildren(childOf(tree, 2), [this](const ParseTree& t) { return buildModechartDeclaration(t); }),
-      childOf(tree, 0).token().location());
+  return ModechartBlock(attributes,
+                        mapChildren(childOf(tree, 2), [this](NodeView t) { return buildModechartDeclaration(t); }),
+                        childOf(tree, 0).token().location());
 }
 
-ModechartDeclaration ASTBuilder::buildModechartDeclaration(const ParseTree& tree) const {
+ModechartDeclaration TreeBuilder::buildModechartDeclaration(NodeView tree) const {
   const Modechart modechart = buildModechart(childOf(tree, 2));
   return ModechartDeclaration(buildIdent(childOf(tree, 0)), modechart);
 }
 
-Modechart ASTBuilder::buildModechart(const ParseTree& tree) const {
+Modechart TreeBuilder::buildModechart(NodeView tree) const {
   std::vector<ModesSection> modes;
   std::vector<TransitionsSection> transitions;
   std::vector<InitialSection> initials;
-  for (const ParseTree& section : childrenOf(childOf(tree, 1))) {
+  for (const NodeView section : childrenOf(childOf(tree, 1))) {
     switch (section.code()) {
     case K::ModesSection: modes.push_back(buildModesSection(section)); break;
     case K::TransitionsSection: transitions.push_back(buildTransitionsSection(section)); break;
@@ -96,17 +96,17 @@ Modechart ASTBuilder::buildModechart(const ParseTree& tree) const {
   return Modechart(std::move(modes), std::move(transitions), std::move(initials), rangeOf(tree));
 }
 
-ModesSection ASTBuilder::buildModesSection(const ParseTree& tree) const {
-  return ModesSection(mapChildren(childOf(tree, 1), [this](const ParseTree& item) { return buildMode(item); }));
+ModesSection TreeBuilder::buildModesSection(NodeView tree) const {
+  return ModesSection(mapChildren(childOf(tree, 1), [this](NodeView item) { return buildMode(item); }));
 }
 
-Mode ASTBuilder::buildMode(const ParseTree& tree) const {
+Mode TreeBuilder::buildMode(NodeView tree) const {
   const bool isSingle = childOf(tree, 1).isTerminalType(TokenId::ID);
   const nvf::Expressions<Ident> ids =
       isSingle ? nvf::Expressions<Ident>{buildIdent(childOf(tree, 1))} : buildIdentList1(childOf(tree, 2));
   std::vector<EquationBlock> equations;
   std::vector<EntryBlock> entries;
-  for (const ParseTree& item : childrenOf(childOf(tree, isSingle ? 2 : 4))) {
+  for (const NodeView item : childrenOf(childOf(tree, isSingle ? 2 : 4))) {
     if (item.isNonTerminalType(K::EquationsBlock)) {
       equations.push_back(buildEquationBlock(item));
     } else {
@@ -116,22 +116,20 @@ Mode ASTBuilder::buildMode(const ParseTree& tree) const {
   return Mode(ids, std::move(equations), std::move(entries), rangeOf(tree));
 }
 
-TransitionsSection ASTBuilder::buildTransitionsSection(const ParseTree& tree) const {
-  return TransitionsSection(
-      mapChildren(childOf(tree, 1), [this](const ParseTree& item) { return buildTransition(item); }));
+TransitionsSection TreeBuilder::buildTransitionsSection(NodeView tree) const {
+  return TransitionsSection(mapChildren(childOf(tree, 1), [this](NodeView item) { return buildTransition(item); }));
 }
 
-Transition ASTBuilder::buildTransition(const ParseTree& tree) const {
+Transition TreeBuilder::buildTransition(NodeView tree) const {
   const Expr predicate = buildExpr(childOf(tree, 1));
   return Transition(buildIdentList1(childOf(tree, 0)), predicate);
 }
 
-InitialSection ASTBuilder::buildInitialSection(const ParseTree& tree) const {
-  return InitialSection(
-      mapChildren(childOf(tree, 1), [this](const ParseTree& item) { return buildInitialMode(item); }));
+InitialSection TreeBuilder::buildInitialSection(NodeView tree) const {
+  return InitialSection(mapChildren(childOf(tree, 1), [this](NodeView item) { return buildInitialMode(item); }));
 }
 
-InitialMode ASTBuilder::buildInitialMode(const ParseTree& tree) const {
+InitialMode TreeBuilder::buildInitialMode(NodeView tree) const {
   const Expr predicate = buildExpr(childOf(tree, 2));
   return InitialMode(buildIdent(childOf(tree, 0)), predicate);
 }

@@ -12,20 +12,16 @@ using K = NonTerminal;
 
 namespace {
 
-bool isPower(const ParseTree& tree) {
+bool isPower(NodeView tree) {
   return tree.isNonTerminalType(K::Power) || tree.isNonTerminalType(K::DotPower);
 }
 
 /// The kind of a prefix operator behind a power sign.
-std::optional<NonTerminal::Value> exponentKind(const ParseTree& tree) {
+std::optional<NonTerminal::Value> exponentKind(NodeView tree) {
   if (tree.isNonTerminalType(K::UnaryPlus)) return K::PlusExponent;
   if (tree.isNonTerminalType(K::UnaryMinus)) return K::MinusExponent;
   if (tree.isNonTerminalType(K::Not)) return K::NotExponent;
   return std::nullopt;
-}
-
-ParseTree node(NonTerminal::Value kind, const std::vector<ParseTree>& children) {
-  return {kind, children};
 }
 
 } // namespace
@@ -34,59 +30,62 @@ void Actions::refuseDepth() {
   raise<messages::DeepStatements>(state_.current.location());
 }
 
-ParseTree Actions::nest(ParseTree& list) {
-  const ParseTree flat = std::move(list);
-  ParseTree first = flat.child(0);
-  ParseTree result = (*this)(flat.code(), first);
-  for (std::size_t i = 1; i < flat.count(); ++i) {
-    ParseTree item = flat.child(i);
-    result = (*this)(flat.code(), result, item);
-  }
+NodeRef Actions::node(NonTerminal::Value kind, std::initializer_list<NodeRef> children) {
+  return state_.trees.node(kind, {children.begin(), children.size()});
+}
+
+NodeRef Actions::child(NodeRef tree, std::size_t i) const {
+  return at(tree).child(i).ref();
+}
+
+NodeRef Actions::nest(NodeRef list) {
+  const NonTerminal::Value kind = at(list).code();
+  NodeRef result = (*this)(kind, child(list, 0));
+  for (std::size_t i = 1; i < at(list).count(); ++i) result = (*this)(kind, result, child(list, i));
   return result;
 }
 
 // ---- expressions ----
 
-ParseTree Actions::rewritePower(ParseTree power) {
-  const ParseTree& a = power.child(0);
-  const ParseTree& op = power.child(1);
-  const ParseTree& right = power.child(2);
-  const std::optional<NonTerminal::Value> exponent = exponentKind(right);
+NodeRef Actions::rewritePower(NodeRef power) {
+  const NodeRef a = child(power, 0);
+  const NodeRef op = child(power, 1);
+  const NodeRef right = child(power, 2);
+  const std::optional<NonTerminal::Value> exponent = exponentKind(at(right));
   if (!exponent) return power;
-  const ParseTree& sign = right.child(0);
-  const ParseTree& operand = right.child(1);
-  if (!isPower(operand)) return node(power.code(), {a, op, node(*exponent, {sign, operand})});
-  const ParseTree inner = node(power.code(), {a, op, node(*exponent, {sign, operand.child(0)})});
-  return node(operand.code(), {inner, operand.child(1), operand.child(2)});
+  const NonTerminal::Value kind = at(power).code();
+  const NodeRef sign = child(right, 0);
+  const NodeRef operand = child(right, 1);
+  if (!isPower(at(operand))) return node(kind, {a, op, node(*exponent, {sign, operand})});
+  const NodeRef inner = node(kind, {a, op, node(*exponent, {sign, child(operand, 0)})});
+  return node(at(operand).code(), {inner, child(operand, 1), child(operand, 2)});
 }
 
-ParseTree Actions::foldColon(ParseTree& a, ParseTree& op, ParseTree& b) {
-  if (!a.isNonTerminalType(K::Colon)) return (*this)(K::Colon, a, op, b);
-  return checkDepth(node(K::Colon3, {a.child(0), a.child(1), a.child(2), op, b}));
+NodeRef Actions::foldColon(NodeRef a, NodeRef op, NodeRef b) {
+  if (!at(a).isNonTerminalType(K::Colon)) return (*this)(K::Colon, a, op, b);
+  return (*this)(K::Colon3, child(a, 0), child(a, 1), child(a, 2), op, b);
 }
 
-ParseTree Actions::tryUnitExpression(ParseTree& cellArray) {
-  const ParseTree& body = cellArray.child(1);
-  if (body.count() != 1 || body.child(0).count() != 2) return std::move(cellArray);
-  const ParseTree& value = body.child(0).child(0);
-  const ParseTree& unit = body.child(0).child(1);
-  if (!unit.isTerminalType(TokenId::STRING) && !unit.isTerminalType(TokenId::STRING_LITERAL)) {
-    return std::move(cellArray);
-  }
-  return node(K::UnitExpression, {value, unit});
+NodeRef Actions::tryUnitExpression(NodeRef cellArray) {
+  const NodeView body = at(cellArray).child(1);
+  if (body.count() != 1 || body.child(0).count() != 2) return cellArray;
+  const NodeView value = body.child(0).child(0);
+  const NodeView unit = body.child(0).child(1);
+  if (!unit.isTerminalType(TokenId::STRING) && !unit.isTerminalType(TokenId::STRING_LITERAL)) return cellArray;
+  return node(K::UnitExpression, {value.ref(), unit.ref()});
 }
 
-ParseTree Actions::unitExpression(ParseTree& cellArray) {
-  ParseTree result = tryUnitExpression(cellArray);
-  if (result.isNonTerminalType(K::CellArray)) refuse<messages::CellArrayInDeclarativeConstruct>(result.child(0));
+NodeRef Actions::unitExpression(NodeRef cellArray) {
+  const NodeRef result = tryUnitExpression(cellArray);
+  if (at(result).isNonTerminalType(K::CellArray)) refuse<messages::CellArrayInDeclarativeConstruct>(child(result, 0));
   return result;
 }
 
-void Actions::checkNotRelational(const ParseTree& operand) {
-  if (operand.type() == 1 && K::isRelational(operand.code())) refuse<messages::AmbiguousRelational>(operand);
+void Actions::checkNotRelational(NodeRef operand) {
+  if (at(operand).type() == 1 && K::isRelational(at(operand).code())) refuse<messages::AmbiguousRelational>(operand);
 }
 
-ParseTree Actions::relation(NonTerminal::Value kind, ParseTree& left, ParseTree& op, ParseTree& right) {
+NodeRef Actions::relation(NonTerminal::Value kind, NodeRef left, NodeRef op, NodeRef right) {
   checkNotRelational(left);
   checkNotRelational(right);
   return (*this)(kind, left, op, right);
@@ -94,51 +93,49 @@ ParseTree Actions::relation(NonTerminal::Value kind, ParseTree& left, ParseTree&
 
 // ---- statements and functions ----
 
-void Actions::checkEmptyIndices(const ParseTree& target) {
-  if (!target.isNonTerminalType(K::Subsref)) return;
-  if (target.child(2).count() == 0) refuse<messages::EmptyIndices>(target.child(1));
+void Actions::checkEmptyIndices(NodeRef target) {
+  if (!at(target).isNonTerminalType(K::Subsref)) return;
+  if (at(target).child(2).count() == 0) refuse<messages::EmptyIndices>(child(target, 1));
 }
 
-void Actions::checkAssignmentTarget(const ParseTree& target) {
-  if (target.isNonTerminalType(K::Matrix)) {
-    const ParseTree& body = target.child(1);
-    if (body.count() > 1) refuse<messages::ColArrayOnLhs>(target.child(0));
-    const ParseTree& row = body.child(0);
-    for (std::size_t i = 0; i < row.count(); ++i) checkEmptyIndices(row.child(i));
+void Actions::checkAssignmentTarget(NodeRef target) {
+  if (at(target).isNonTerminalType(K::Matrix)) {
+    const NodeView body = at(target).child(1);
+    if (body.count() > 1) refuse<messages::ColArrayOnLhs>(child(target, 0));
+    for (const NodeView element : body.child(0).children()) checkEmptyIndices(element.ref());
   } else {
     checkEmptyIndices(target);
   }
 }
 
-ParseTree Actions::openFunction(ParseTree& keyword, ParseTree& outputs, ParseTree& inputs, ParseTree& separator,
-                                ParseTree body) {
-  ParseTree name = outputs.child(outputs.count() - 1);
-  return (*this)(K::OpenFcnDef, keyword, outputs.trim(1), name, inputs, separator, body);
+NodeRef Actions::openFunction(NodeRef keyword, NodeRef outputs, NodeRef inputs, NodeRef separator, NodeRef body) {
+  const NodeRef name = child(outputs, at(outputs).count() - 1);
+  return (*this)(K::OpenFcnDef, keyword, state_.trees.trim(outputs, 1), name, inputs, separator, body);
 }
 
-ParseTree Actions::closeFunction(ParseTree& function, ParseTree& end) {
+NodeRef Actions::closeFunction(NodeRef function, NodeRef end) {
   --state_.functionDepth;
   // A name of two parts, `function a.b`, is no leaf and ends in the fatal diagnostic of `token()`: intended.
-  state_.lastClosedFunction = function.child(2).token().text();
-  std::vector<ParseTree> children;
-  for (std::size_t i = 0; i < function.count(); ++i) children.push_back(function.child(i));
-  children.push_back(end);
-  return (*this)(K::NonExprStmt, checkDepth(node(K::ClosedFcnDef, children)));
+  state_.lastClosedFunction = at(function).child(2).token().text();
+  const NodeRef closed = node(K::ClosedFcnDef, {});
+  for (std::size_t i = 0; i < at(function).count(); ++i) state_.trees.append(closed, child(function, i));
+  state_.trees.append(closed, end);
+  return (*this)(K::NonExprStmt, checkDepth(closed));
 }
 
-void Actions::checkInFunction(const ParseTree& statement) {
-  if (state_.functionDepth != 0 || state_.lastClosedFunction.empty() || statement.type() == 0) return;
-  if (statement.child(0).isNonTerminalType(K::ClosedFcnDef)) return;
+void Actions::checkInFunction(NodeRef statement) {
+  if (state_.functionDepth != 0 || state_.lastClosedFunction.empty() || at(statement).type() == 0) return;
+  if (at(statement).child(0).isNonTerminalType(K::ClosedFcnDef)) return;
   raise<messages::StatementNotInAFunction>(state_.current.location(), state_.lastClosedFunction.view());
 }
 
 // ---- equations ----
 
-void Actions::warnOfEquation(const ParseTree& keyword) {
-  nvf::file_line_warning<messages::UseOfEquationDeprecated>(keyword.location());
+void Actions::warnOfEquation(NodeRef keyword) {
+  nvf::file_line_warning<messages::UseOfEquationDeprecated>(at(keyword).left()->location());
 }
 
-void Actions::checkNoNestedEquations(const ParseTree& keyword) {
+void Actions::checkNoNestedEquations(NodeRef keyword) {
   if (state_.inEquations) refuse<messages::IllegalNestedEquation>(keyword);
 }
 
@@ -163,23 +160,23 @@ void checkName(const Token& name) {
 
 } // namespace
 
-void Actions::finish(ParseTree& imports, ParseTree& main, ParseTree& functions) {
+void Actions::finish(NodeRef imports, NodeRef main, NodeRef functions) {
   state_.result = (*this)(K::FileGoal, roll(imports), main, roll(functions));
 }
 
-void Actions::finishModel(ParseTree& imports, ParseTree& model, ParseTree& functions) {
-  const Token name = model.child(2).token();
+void Actions::finishModel(NodeRef imports, NodeRef model, NodeRef functions) {
+  const Token name = at(model).child(2).token();
   finish(imports, model, functions);
   checkName<messages::InconsistentModelNameAndFileName>(name);
 }
 
-void Actions::finishFunction(ParseTree& imports, ParseTree& function, ParseTree& functions) {
-  const Token name = function.child(1).token();
+void Actions::finishFunction(NodeRef imports, NodeRef function, NodeRef functions) {
+  const Token name = at(function).child(1).token();
   finish(imports, function, functions);
   checkName<messages::InconsistentFunctionNameAndFileName>(name);
 }
 
-void Actions::finishStatements(ParseTree& statements) {
+void Actions::finishStatements(NodeRef statements) {
   state_.result = (*this)(K::FileGoal, roll(statements));
 }
 

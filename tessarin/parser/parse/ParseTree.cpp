@@ -2,8 +2,8 @@
 
 #include "tessarin/foundation/stack.hpp"
 #include "tessarin/foundation/terminate.hpp"
+#include "tessarin/parser/parse/FoldedTree.hpp"
 #include "tessarin/parser/parse/NodePool.hpp"
-#include "tessarin/parser/parse/ParseTreeBuilder.hpp"
 
 #include <algorithm>
 #include <limits>
@@ -53,24 +53,37 @@ Ordering order(const Token& a, const Token& b) {
 }
 } // namespace
 
-NonTerminal::Value TerminalData::code() const {
+void misuse::codeOfTerminal() {
   nvf::terminate(
       "terminal", terminalSource, 29,
       "virtual tessarin::compiler::core::NonTerminal::Value tessarin::compiler::core::TerminalData::code() const");
 }
-std::size_t TerminalData::count() const {
+void misuse::countOfTerminal() {
   nvf::terminate("terminal", terminalSource, 35,
                  "virtual size_t tessarin::compiler::core::TerminalData::count() const");
 }
-const ParseTree& TerminalData::child(std::size_t) const {
+void misuse::childOfTerminal() {
   nvf::terminate(
       "terminal", terminalSource, 42,
       "virtual const tessarin::compiler::core::ParseTree& tessarin::compiler::core::TerminalData::child(size_t) const");
 }
-ParseTree TerminalData::trim(std::size_t) const {
+void misuse::trimOfTerminal() {
   nvf::terminate(
       "terminal", terminalSource, 48,
       "virtual tessarin::compiler::core::ParseTree tessarin::compiler::core::TerminalData::trim(size_t) const");
+}
+
+NonTerminal::Value TerminalData::code() const {
+  misuse::codeOfTerminal();
+}
+std::size_t TerminalData::count() const {
+  misuse::countOfTerminal();
+}
+const ParseTree& TerminalData::child(std::size_t) const {
+  misuse::childOfTerminal();
+}
+ParseTree TerminalData::trim(std::size_t) const {
+  misuse::trimOfTerminal();
 }
 
 void TerminalData::visit(ParseTreeVisitor& visitor) const {
@@ -100,47 +113,6 @@ Ordering TerminalData::compare(const TerminalData& other) const {
 
 // ---- inner nodes ----
 
-namespace {
-
-/// Whether child 0 of such a node is the left operand of an operator, the path before a step, or the part of a list
-/// before an item. Chains of them are as long as the source likes and do not count as nesting.
-constexpr bool growsToTheLeft(NonTerminal::Value kind) noexcept {
-  switch (kind) {
-  case NonTerminal::OrOr:
-  case NonTerminal::AndAnd:
-  case NonTerminal::Or:
-  case NonTerminal::And:
-  case NonTerminal::Lt:
-  case NonTerminal::Le:
-  case NonTerminal::Gt:
-  case NonTerminal::Ge:
-  case NonTerminal::Eq:
-  case NonTerminal::Ne:
-  case NonTerminal::Colon:
-  case NonTerminal::Colon3:
-  case NonTerminal::Add:
-  case NonTerminal::Sub:
-  case NonTerminal::Mul:
-  case NonTerminal::DotMul:
-  case NonTerminal::Div:
-  case NonTerminal::DotDiv:
-  case NonTerminal::RDiv:
-  case NonTerminal::DotRDiv:
-  case NonTerminal::Power:
-  case NonTerminal::DotPower:
-  case NonTerminal::Transpose:
-  case NonTerminal::DotTranspose:
-  case NonTerminal::Dot:
-  case NonTerminal::DotParen:
-  case NonTerminal::Subsref:
-  case NonTerminal::CellIndex:
-  case NonTerminal::AvPairs: return true;
-  default: return false;
-  }
-}
-
-} // namespace
-
 static_assert(sizeof(NonTerminalData) % alignof(ParseTree) == 0, "the children follow the node");
 
 void NonTerminalData::operator delete(NonTerminalData* node, std::destroying_delete_t) noexcept {
@@ -153,8 +125,11 @@ NonTerminalData* NonTerminalData::make(NonTerminal::Value kind, std::size_t capa
   if (capacity > std::numeric_limits<std::uint32_t>::max())
     throw std::length_error("too many children in a parse tree");
   const NodePool::Piece piece = NodePool::allocate(pool, sizeof(NonTerminalData) + capacity * sizeof(ParseTree));
-  return ::new (piece.memory) NonTerminalData(kind, static_cast<std::uint32_t>(capacity), piece.slot);
+  return ::new (piece.memory) NonTerminalData(kind, piece.slot);
 }
+
+NonTerminalData::NonTerminalData(NonTerminal::Value kind, std::uint16_t slot) noexcept
+    : ParseTreeDataShim(1, slot), kind_(kind) {}
 
 NonTerminalData::~NonTerminalData() {
   std::destroy_n(room(), count_);
@@ -162,12 +137,7 @@ NonTerminalData::~NonTerminalData() {
 
 void NonTerminalData::append(ParseTree&& child) noexcept {
   const ParseTreeData& data = *std::as_const(child).data();
-  const std::uint32_t below = data.depth();
-  if (below >= depth_) {
-    const std::uint32_t own = count_ == 0 && growsToTheLeft(kind_) ? 0 : 1;
-    depth_ =
-        static_cast<std::uint16_t>(std::min<std::uint32_t>(below + own, std::numeric_limits<std::uint16_t>::max()));
-  }
+  depth_ = depthWith(depth_, data.depth(), count_ == 0, kind_);
   if (left_ == nullptr) left_ = data.ParseTreeData::left();
   if (const Token* last = data.ParseTreeData::right()) right_ = last;
   std::construct_at(room() + count_, std::move(child));
@@ -182,10 +152,14 @@ void NonTerminalData::findEnds() noexcept {
   }
 }
 
-const Token& NonTerminalData::token() const {
+void misuse::tokenOfNonTerminal() {
   nvf::terminate(
       "non-terminal", "parser/parse/NonTerminalData", 34,
       "virtual const tessarin::compiler::core::Token& tessarin::compiler::core::NonTerminalData::token() const");
+}
+
+const Token& NonTerminalData::token() const {
+  misuse::tokenOfNonTerminal();
 }
 
 ParseTree NonTerminalData::trim(std::size_t n) const {
@@ -231,10 +205,14 @@ void NonTerminalData::incorporate_data(DigestSink& sink) const {
 }
 
 void NonTerminalData::strip_annotation_inplace() {
+  if (folded_) unfold();
   // Children that were shared are new nodes now, and are so too where memory ran out for a later one.
   struct FindEnds {
     NonTerminalData& node;
-    ~FindEnds() { node.findEnds(); }
+    ~FindEnds() {
+      node.findEnds();
+      node.folded_.reset(); // it is the tree as it was
+    }
   };
   const FindEnds afterwards{*this};
   with_stack([&] {
@@ -373,55 +351,6 @@ nvf::BasicCxIdPath<0> dot_path(const ParseTree& tree) {
   std::vector<nvf::CxId> path;
   collectPath(tree, path);
   return nvf::BasicCxIdPath<0>(path);
-}
-
-// ---- building ----
-
-NonTerminalData& ParseTreeBuilder::inner(ParseTree& tree) noexcept {
-  return static_cast<NonTerminalData&>(tree.data_.exclusive());
-}
-
-ParseTree ParseTreeBuilder::leaf(const Token& token) {
-  return ParseTree(TerminalData::make(token, &pool_));
-}
-
-ParseTree ParseTreeBuilder::node(NonTerminal::Value kind, std::initializer_list<ParseTree*> children) {
-  NonTerminalData* node = NonTerminalData::make(kind, children.size(), &pool_);
-  for (ParseTree* child : children) node->append(std::move(*child));
-  return ParseTree(node);
-}
-
-void ParseTreeBuilder::append(ParseTree& list, ParseTree&& item) {
-  NonTerminalData& node = inner(list);
-  if (!node.isUnique() || !node.hasRoom()) {
-    ParseTree larger(NonTerminalData::make(node.kind_, 2 * std::size_t{node.count_} + 2, &pool_));
-    const bool isUnique = node.isUnique();
-    for (std::uint32_t i = 0; i < node.count_; ++i) {
-      ParseTree& child = node.room()[i];
-      inner(larger).append(isUnique ? std::move(child) : ParseTree(child));
-    }
-    list = std::move(larger);
-  }
-  inner(list).cacheHash(0);
-  inner(list).append(std::move(item));
-}
-
-void ParseTreeBuilder::extend(ParseTree& list, ParseTree&& item) {
-  if (!item.isNonTerminalType(list.code())) {
-    append(list, std::move(item));
-    return;
-  }
-  std::vector<ParseTree> parts;
-  item.roll(list.code(), parts);
-  for (ParseTree& part : parts) append(list, std::move(part));
-}
-
-ParseTree ParseTreeBuilder::roll(ParseTree&& tree) {
-  const auto children = static_cast<const NonTerminalData*>(std::as_const(tree).data())->children();
-  const bool isFlat = std::none_of(children.begin(), children.end(), [kind = tree.code()](const ParseTree& child) {
-    return child.isNonTerminalType(kind);
-  });
-  return isFlat ? std::move(tree) : tree.roll();
 }
 
 } // namespace tessarin::compiler::core

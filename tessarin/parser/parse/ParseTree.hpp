@@ -2,7 +2,7 @@
 //
 // A `ParseTree` is a cheap handle; copies share the node. Nodes hold no pointer into the source. A node takes one
 // allocation, and knows its first and last token. All operations are linear and work on trees of any depth on a small
-// stack.
+// stack. Of the tree that a parser gives only the root is made at first, and the rest when somebody asks for a child.
 #pragma once
 
 #include "tessarin/export.hpp"
@@ -27,6 +27,7 @@ namespace tessarin::compiler::core {
 
 class NodePool;
 class ParseTree;
+struct FoldedTree;
 
 /// Sees the tokens of a tree from left to right.
 class TESSARIN_EXPORT ParseTreeVisitor {
@@ -167,7 +168,7 @@ public:
 
 private:
   friend class NonTerminalData;
-  friend class ParseTreeBuilder;
+  friend class TreeSink;
   explicit ParseTree(ParseTreeData* data) noexcept : data_(data) {}
   static const ParseTreeData* defaultData() noexcept;
 
@@ -200,7 +201,7 @@ public:
 
 private:
   friend class ParseTree;
-  friend class ParseTreeBuilder;
+  friend class TreeSink;
   friend class ParseTreeData;
 
   TerminalData(const Token& token, std::uint16_t slot) noexcept : ParseTreeDataShim(0, slot), token_(token) {}
@@ -233,29 +234,30 @@ public:
   [[nodiscard]] Ordering compare(const NonTerminalData& other) const override;
 
   /// All children; they live as long as the node.
-  [[nodiscard]] std::span<const ParseTree> children() const noexcept {
+  [[nodiscard]] std::span<const ParseTree> children() const {
+    if (folded_) unfold();
     return {reinterpret_cast<const ParseTree*>(this + 1), count_};
   }
 
 private:
   friend class ParseTree;
-  friend class ParseTreeBuilder;
+  friend class TreeSink;
   friend class ParseTreeData;
 
-  NonTerminalData(NonTerminal::Value kind, std::uint32_t capacity, std::uint16_t slot) noexcept
-      : ParseTreeDataShim(1, slot), kind_(kind), capacity_(capacity) {}
+  NonTerminalData(NonTerminal::Value kind, std::uint16_t slot) noexcept;
   /// An empty node with room for `capacity` children.
   static NonTerminalData* make(NonTerminal::Value kind, std::size_t capacity, NodePool* pool);
-  [[nodiscard]] bool hasRoom() const noexcept { return count_ < capacity_; }
   [[nodiscard]] ParseTree* room() noexcept { return reinterpret_cast<ParseTree*>(this + 1); }
   void append(ParseTree&& child) noexcept;
   void findEnds() noexcept;
+  /// Makes the children, once.
+  void unfold() const;
 
   NonTerminal::Value kind_;
   std::uint32_t count_ = 0;
-  std::uint32_t capacity_;
   const Token* left_ = nullptr;
   const Token* right_ = nullptr;
+  std::unique_ptr<FoldedTree> folded_; // what the children are made of; null where they are there from the start
 };
 
 inline const Token* ParseTreeData::left() const noexcept {

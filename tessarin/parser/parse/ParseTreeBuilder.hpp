@@ -1,32 +1,31 @@
-// Building of parse trees: nodes out of handles that are used up, and lists that grow in place.
+// The way between the flat tree and the public one. Private to the library.
 #pragma once
 
-#include "tessarin/parser/parse/NodePool.hpp"
+#include "tessarin/parser/parse/FlatTree.hpp"
 #include "tessarin/parser/parse/ParseTree.hpp"
 
-#include <initializer_list>
+#include <memory>
 
 namespace tessarin::compiler::core {
 
-class ParseTreeBuilder {
+/// A public tree of which only the root is there so far: the rest is made when somebody looks at its children.
+///
+/// Used by any number of threads at once.
+ParseTree fold(std::shared_ptr<const FlatTree> tree, NodeRef root);
+
+/// The subtree as a public tree of its own, which keeps nothing of the rest.
+ParseTree detach(NodeView subtree);
+
+/// A public tree as the builder reads it. One that the parser has made and nobody has changed is there already; any
+/// other is copied. Lives on its own.
+class Flattened {
 public:
-  ParseTree leaf(const Token& token);
-
-  /// A node with the given children, which are moved from.
-  ParseTree node(NonTerminal::Value kind, std::initializer_list<ParseTree*> children);
-
-  /// Appends `item` to the list `list`, which is a node of `kind`; an `item` of that kind is replaced by its children.
-  /// The list grows in place where `list` is its only owner.
-  void extend(ParseTree& list, ParseTree&& item);
-
-  /// As `ParseTree::roll`, but a tree that is flat already is handed back as it is.
-  static ParseTree roll(ParseTree&& tree);
+  explicit Flattened(const ParseTree& tree);
+  [[nodiscard]] NodeView root() const noexcept { return {*tree_, root_}; }
 
 private:
-  static NonTerminalData& inner(ParseTree& tree) noexcept;
-  void append(ParseTree& list, ParseTree&& item);
-
-  NodePool pool_;
+  std::shared_ptr<const FlatTree> tree_;
+  NodeRef root_;
 };
 
 } // namespace tessarin::compiler::core

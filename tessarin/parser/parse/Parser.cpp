@@ -1,8 +1,11 @@
 #include "tessarin/parser/parse/Parser.hpp"
 
+#include "tessarin/parser/parse/ParseTreeBuilder.hpp"
+
 #include "grammar.hpp"
 
 #include <stdexcept>
+#include <utility>
 
 namespace tessarin::compiler::core {
 
@@ -21,9 +24,11 @@ void Parser::tokenListener(std::function<void(const Token&)> listener) {
 }
 
 ParseTree Parser::parse() {
-  Actions actions(impl());
+  ParserState& state = impl();
+  state.trees.reserveFor(state.lexer.tokenizer().bufferSize());
+  Actions actions(state);
   TSNParser(actions).parse();
-  return state_->result;
+  return fold(std::make_shared<const FlatTree>(std::exchange(state.trees, FlatTree())), state.result);
 }
 
 ParserState& Parser::impl() {

@@ -3,7 +3,7 @@
 
 #include "tessarin/foundation/message.hpp"
 #include "tessarin/parser/lex/Lexer.hpp"
-#include "tessarin/parser/parse/ParseTreeBuilder.hpp"
+#include "tessarin/parser/parse/FlatTree.hpp"
 
 #include <functional>
 
@@ -12,8 +12,8 @@ namespace tessarin::compiler::core {
 struct ParserState {
   explicit ParserState(const nvf::SourceBuffer& buffer) : lexer(buffer) {}
 
-  ParseTreeBuilder trees;
-  ParseTree result; ///< the tree of the file, once a rule has completed it
+  FlatTree trees;
+  NodeRef result; ///< the tree of the file, once a rule has completed it
   Lexer lexer;
   Token current;                                      ///< the last token handed to the parser
   nvf::BasicTableString<char16_t> lastClosedFunction; ///< the function that `end` closed last
@@ -29,8 +29,9 @@ struct ParserState {
   }
 
   /// Where a message about a tree is placed: at its first token, or, where it has none, at the current one.
-  [[nodiscard]] const nvf::Location& place(const ParseTree& tree) const noexcept {
-    return (tree.left() != nullptr ? *tree.left() : current).location();
+  [[nodiscard]] const nvf::Location& place(NodeRef tree) const noexcept {
+    const Token* first = trees.left(tree);
+    return (first != nullptr ? *first : current).location();
   }
 };
 

@@ -3,6 +3,8 @@
 #include "tessarin/foundation/messages.hpp"
 #include "tessarin/foundation/stack.hpp"
 #include "tessarin/parser/ast/FromTree.hpp"
+#include "tessarin/parser/parse/ParseTreeBuilder.hpp"
+#include "tessarin/parser/setup/SetupExpr.hpp"
 
 #include <utility>
 
@@ -29,14 +31,14 @@ template <class Msg>
 }
 
 template <class Msg>
-[[noreturn]] void refuse(const ParseTree& tree) {
+[[noreturn]] void refuse(NodeView tree) {
   refuse<Msg>(placeOf(tree));
 }
 
 // ---- assignments ----
 
-Expr convertExpr(const ParseTree& tree) {
-  std::optional<Expr> expr = to_setup_expr(tree);
+Expr convertExpr(NodeView tree) {
+  std::optional<Expr> expr = convertSetupExpr(tree);
   if (!expr) refuse<SimpleSetupUnsupportedExpression>(tree);
   return *std::move(expr);
 }
@@ -56,21 +58,21 @@ Name convertTarget(const Expr& expr) {
   return Name(nvf::Expressions<Ident>(std::move(names)));
 }
 
-SimpleSetupAsgnStmt convertAssignment(const ParseTree& target, const ParseTree& value) {
+SimpleSetupAsgnStmt convertAssignment(NodeView target, NodeView value) {
   const Expr lhs = convertExpr(target);
   Expr rhs = convertExpr(value);
   return {convertTarget(lhs), std::move(rhs)};
 }
 
 /// `x = value` or `[x] = value`, in a statement with its terminator.
-SimpleSetupAsgnStmt convertAssignmentStmt(const ParseTree& stmt) {
-  const ParseTree& assignment = childOf(stmt, 0);
-  const ParseTree& target = childOf(assignment, 0);
-  const ParseTree& value = childOf(assignment, 2);
+SimpleSetupAsgnStmt convertAssignmentStmt(NodeView stmt) {
+  const NodeView assignment = childOf(stmt, 0);
+  const NodeView target = childOf(assignment, 0);
+  const NodeView value = childOf(assignment, 2);
   if (!childOf(stmt, 1).isTerminalType(TokenId::SEMI)) refuse<SimpleSetupMissingSemicolonInAssignment>(stmt);
   if (assignment.code() == K::Assign) return convertAssignment(target, value);
 
-  const ParseTree& row = childOf(childOf(target, 1), 0);
+  const NodeView row = childOf(childOf(target, 1), 0);
   if (row.count() > 1) refuse<SimpleSetupWithMultipleLhs>(stmt);
   if (row.count() == 0) refuse<SimpleSetupWithZeroLhs>(stmt);
   return convertAssignment(childOf(row, 0), value);
@@ -80,12 +82,12 @@ SimpleSetupAsgnStmt convertAssignmentStmt(const ParseTree& stmt) {
 
 using Stmts = std::vector<SimpleSetupStmt>;
 
-bool isAssignment(const ParseTree& tree) {
+bool isAssignment(NodeView tree) {
   return tree.isNonTerminalType(K::Assign) || tree.isNonTerminalType(K::MultiAssign);
 }
 
 /// Whether it is `name(list)`.
-bool isCall(const ParseTree& tree) {
+bool isCall(NodeView tree) {
   return tree.isNonTerminalType(K::Subsref) && tree.count() == 4 && childOf(tree, 0).isTerminalType(TokenId::ID) &&
          childOf(tree, 2).isNonTerminalType(K::ExprList);
 }
@@ -95,7 +97,7 @@ public:
   explicit Converter(const SetupDiagnosticLookup& diagnostics) noexcept : diagnostics_(diagnostics) {}
 
   /// The statements below a node: one as itself, any other number as a list.
-  SimpleSetupStmt convertBlock(const ParseTree& tree) const {
+  SimpleSetupStmt convertBlock(NodeView tree) const {
     Stmts stmts;
     append(stmts, tree);
     if (stmts.size() == 1) return std::move(stmts.front());
@@ -104,14 +106,14 @@ public:
 
 private:
   /// Adds the statements that the node stands for. All go into one list, so that lists in it are flat from the start.
-  void append(Stmts& stmts, const ParseTree& tree) const {
+  void append(Stmts& stmts, NodeView tree) const {
     if (tree.type() == 0) {
       if (!isSeparator(tree.token())) refuse<SimpleSetupUnsupportedStatement>(tree);
       return;
     }
     switch (tree.code()) {
     case K::Stmts:
-      for (const ParseTree& child : childrenOf(tree)) append(stmts, child);
+      for (const NodeView child : childrenOf(tree)) append(stmts, child);
       break;
     case K::NonExprStmt: append(stmts, childOf(tree, 0)); break;
     case K::IfStmt: stmts.push_back(nvf::with_stack([&] { return convertIf(tree); })); break;
@@ -124,27 +126,27 @@ private:
     return token.code() == TokenId::COMMA || token.code() == TokenId::SEMI || token.code() == TokenId::EOL;
   }
 
-  SimpleSetupStmt convertExprStmt(const ParseTree& tree) const {
-    const ParseTree& expr = childOf(tree, 0);
+  SimpleSetupStmt convertExprStmt(NodeView tree) const {
+    const NodeView expr = childOf(tree, 0);
     if (tree.count() == 2 && isAssignment(expr)) return convertAssignmentStmt(tree);
     if (tree.count() == 2 && isCall(expr)) return convertCall(expr);
     refuse<SimpleSetupUnsupportedStatement>(tree);
   }
 
   /// An `if` with the `elseif` parts of its third child and the `else` of its fourth. The chain is built from its end.
-  SimpleSetupStmt convertIf(const ParseTree& tree) const {
+  SimpleSetupStmt convertIf(NodeView tree) const {
     struct Link {
       Expr predicate;
       SimpleSetupStmt whenTrue;
     };
-    const auto convertLink = [this](const ParseTree& part) {
+    const auto convertLink = [this](NodeView part) {
       Expr predicate = convertExpr(childOf(part, 1));
       return Link{std::move(predicate), convertBlock(childOf(part, 2))};
     };
     std::vector<Link> chain{convertLink(tree)};
-    for (const ParseTree& part : childrenOf(childOf(tree, 3))) chain.push_back(convertLink(part));
+    for (const NodeView part : childrenOf(childOf(tree, 3))) chain.push_back(convertLink(part));
 
-    const ParseTree& otherwise = childOf(tree, 4);
+    const NodeView otherwise = childOf(tree, 4);
     SimpleSetupStmt result;
     if (otherwise.isNonTerminalType(K::Else)) result = convertBlock(childOf(otherwise, 1));
     for (; !chain.empty(); chain.pop_back()) {
@@ -154,7 +156,7 @@ private:
     return result;
   }
 
-  SimpleSetupStmt convertCall(const ParseTree& call) const {
+  SimpleSetupStmt convertCall(NodeView call) const {
     try {
       const std::optional<SetupDiagnosticFunction> function = diagnostics_(Ident(childOf(call, 0).token()).id());
       if (!function) refuse<SimpleSetupUnsupportedStatement>(call);
@@ -166,7 +168,7 @@ private:
     }
   }
 
-  static ustring convertArgument(const ParseTree& tree) {
+  static ustring convertArgument(NodeView tree) {
     if (!tree.isTerminalType(TokenId::STRING)) refuse<SimpleSetupInvalidDiagnosticArgument>(tree);
     return contentOf(tree.token());
   }
@@ -177,9 +179,11 @@ private:
 } // namespace
 
 SimpleSetupStmt to_simple_setup_stmt(const ParseTree& tree, const SetupDiagnosticLookup& diagnostics) {
-  if (tree.isTerminalType(TokenId::EMPTYTOKEN)) return {};
+  const Flattened flat(tree);
+  const NodeView function = flat.root();
+  if (function.isTerminalType(TokenId::EMPTYTOKEN)) return {};
   // The closed function, whose children are the keyword, the outputs, the name, the inputs, a separator, and the body.
-  return Converter(diagnostics).convertBlock(childOf(childOf(tree, 0), 5));
+  return Converter(diagnostics).convertBlock(childOf(childOf(function, 0), 5));
 }
 
 } // namespace tessarin::compiler::core

@@ -1,7 +1,10 @@
 // The expressions of a setup function by the kind of their node.
+#include "tessarin/parser/setup/SetupExpr.hpp"
+
 #include "tessarin/foundation/stack.hpp"
 #include "tessarin/parser/ast/Conversions.hpp"
 #include "tessarin/parser/ast/FromTree.hpp"
+#include "tessarin/parser/parse/ParseTreeBuilder.hpp"
 #include "tessarin/parser/setup/SetupConversion.hpp"
 
 #include <algorithm>
@@ -16,7 +19,7 @@ namespace {
 /// Thrown for a form that has no place in a setup function; it does not leave this file.
 struct Unrecognized {};
 
-Expr convert(const ParseTree& tree);
+Expr convert(NodeView tree);
 
 // ---- leaves ----
 
@@ -29,12 +32,12 @@ Expr convertTerminal(const Token& token) {
   throw Unrecognized();
 }
 
-const Token& stringToken(const ParseTree& tree) {
+const Token& stringToken(NodeView tree) {
   if (!tree.isTerminalType(TokenId::STRING)) throw Unrecognized();
   return tree.token();
 }
 
-UnitLiteral convertUnit(const ParseTree& tree) {
+UnitLiteral convertUnit(NodeView tree) {
   try {
     return unitOf(stringToken(tree));
   } catch (const nvf::NotAscii&) {
@@ -46,56 +49,56 @@ UnitLiteral convertUnit(const ParseTree& tree) {
 
 // ---- references ----
 
-Subscript convertSubscript(const ParseTree& tree) {
+Subscript convertSubscript(NodeView tree) {
   if (tree.isTerminalType(TokenId::COLON)) return {Subscript::Type::Colon, tree.token().location()};
   // An `end` that is not the whole subscript, as in `a(end - 1)`, is unrecognized: intended.
   if (tree.isTerminalType(TokenId::END)) return Expr(EndIndex(tree.token()));
   return convert(tree);
 }
 
-bool isSubsref(const ParseTree& tree) {
+bool isSubsref(NodeView tree) {
   return tree.isNonTerminalType(K::Subsref) && tree.count() == 4;
 }
 
 /// The subscripts of a `Subsref`: `name ( list )`.
-ParenSubs convertSubscripts(const ParseTree& subsref) {
+ParenSubs convertSubscripts(NodeView subsref) {
   return {mapChildren(childOf(subsref, 2), convertSubscript),
           rangeOf(childOf(subsref, 1)) + rangeOf(childOf(subsref, 3))};
 }
 
 /// A dotted name, with or without subscripts behind its parts. The node of a long path is a chain to the left, which is
 /// walked from its end.
-Variable convertPath(const ParseTree& path) {
+Variable convertPath(NodeView path) {
   std::vector<IdParenSubs> steps; // the last one first
-  const ParseTree* rest = &path;
+  NodeView rest = path;
   for (;;) {
     std::optional<ParenSubs> subs;
-    if (isSubsref(*rest)) {
-      subs = convertSubscripts(*rest);
-      rest = &childOf(*rest, 0);
+    if (isSubsref(rest)) {
+      subs = convertSubscripts(rest);
+      rest = childOf(rest, 0);
     }
-    const bool isDot = rest->isNonTerminalType(K::Dot);
-    const ParseTree& name = isDot ? childOf(*rest, 2) : *rest;
+    const bool isDot = rest.isNonTerminalType(K::Dot);
+    const NodeView name = isDot ? childOf(rest, 2) : rest;
     if (!name.isTerminalType(TokenId::ID)) throw Unrecognized();
     steps.emplace_back(Ident(name.token()), subs);
     if (!isDot) break;
-    rest = &childOf(*rest, 0);
+    rest = childOf(rest, 0);
   }
   std::reverse(steps.begin(), steps.end());
   return idsubspath_to_variable(IdSubsPath(std::move(steps)), rangeOf(path));
 }
 
 /// Whether it is `value(x, 'unit')` or `value(x, 'unit', 'conversion')`, or would be with strings in these places.
-bool isValue(const ParseTree& subsref) {
+bool isValue(NodeView subsref) {
   if (!isSubsref(subsref)) return false;
-  const ParseTree& name = childOf(subsref, 0);
-  const ParseTree& list = childOf(subsref, 2);
+  const NodeView name = childOf(subsref, 0);
+  const NodeView list = childOf(subsref, 2);
   return name.type() == 0 && name.token().text().view() == u"value" && list.isNonTerminalType(K::ExprList) &&
          (list.count() == 2 || list.count() == 3);
 }
 
-Expr convertValue(const ParseTree& subsref) {
-  const ParseTree& list = childOf(subsref, 2);
+Expr convertValue(NodeView subsref) {
+  const NodeView list = childOf(subsref, 2);
   const Expr value = convert(childOf(list, 0));
   const UnitLiteral unit = convertUnit(childOf(list, 1));
   if (list.count() == 2) return ValueExpr(value, unit, rangeOf(subsref));
@@ -105,7 +108,7 @@ Expr convertValue(const ParseTree& subsref) {
 
 // ---- compounds ----
 
-Expr convertUnary(const ParseTree& tree) {
+Expr convertUnary(NodeView tree) {
   switch (tree.code()) {
   case K::Transpose:
   case K::DotTranspose: return OpExpr(operatorOf(tree), convert(childOf(tree, 0)), rangeOf(tree));
@@ -114,7 +117,7 @@ Expr convertUnary(const ParseTree& tree) {
   }
 }
 
-Expr convertColon3(const ParseTree& tree) {
+Expr convertColon3(NodeView tree) {
   const Expr first = convert(childOf(tree, 0));
   const Expr second = convert(childOf(tree, 2));
   const Expr third = convert(childOf(tree, 4));
@@ -122,24 +125,24 @@ Expr convertColon3(const ParseTree& tree) {
 }
 
 /// Rows without elements are left out.
-Expr convertMatrix(const ParseTree& tree) {
+Expr convertMatrix(NodeView tree) {
   std::vector<MatrixExpr::Row> rows;
-  for (const ParseTree& row : childrenOf(childOf(tree, 1))) {
+  for (const NodeView row : childrenOf(childOf(tree, 1))) {
     if (row.count() != 0) rows.push_back(mapChildren(row, convert));
   }
   return MatrixExpr(rows, rangeOf(tree));
 }
 
-Expr convertFieldValueArray(const ParseTree& tree) {
+Expr convertFieldValueArray(NodeView tree) {
   // The place that a pair carries is here its own and not that of its last token: intended.
-  const auto convertPair = [](const ParseTree& pair) {
+  const auto convertPair = [](NodeView pair) {
     return IdentValuePair(Ident(childOf(pair, 0).token()), convert(childOf(pair, 2)), placeOf(pair));
   };
   return FieldValueArrayExpr(nvf::Expressions<IdentValuePair>(mapChildren(childOf(tree, 0), convertPair)),
                              rangeOf(tree));
 }
 
-Expr convertNonTerminal(const ParseTree& tree) {
+Expr convertNonTerminal(NodeView tree) {
   switch (operandCount(tree)) {
   case 1: return convertUnary(tree);
   case 2: return convertBinary(tree, convert);
@@ -157,19 +160,23 @@ Expr convertNonTerminal(const ParseTree& tree) {
   }
 }
 
-Expr convert(const ParseTree& tree) {
+Expr convert(NodeView tree) {
   if (tree.type() == 0) return convertTerminal(tree.token());
   return nvf::with_stack([&] { return convertNonTerminal(tree); });
 }
 
 } // namespace
 
-std::optional<Expr> to_setup_expr(const ParseTree& tree) {
+std::optional<Expr> convertSetupExpr(NodeView tree) {
   try {
     return convert(tree);
   } catch (const Unrecognized&) {
     return std::nullopt;
   }
+}
+
+std::optional<Expr> to_setup_expr(const ParseTree& tree) {
+  return convertSetupExpr(Flattened(tree).root());
 }
 
 } // namespace tessarin::compiler::core
