@@ -16,7 +16,15 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 find_program(TESSARIN_CCACHE ccache)
 if(TESSARIN_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${TESSARIN_CCACHE})
+  # A cache that cannot write its folder would fail every compilation.
+  file(WRITE ${PROJECT_BINARY_DIR}/cache_probe.cpp "")
+  execute_process(COMMAND ${TESSARIN_CCACHE} ${CMAKE_CXX_COMPILER} -c cache_probe.cpp -o cache_probe.o
+    WORKING_DIRECTORY ${PROJECT_BINARY_DIR} RESULT_VARIABLE cache_failure OUTPUT_QUIET ERROR_VARIABLE cache_error)
+  if(cache_failure)
+    message(STATUS "Building without the compiler cache: ${cache_error}")
+  else()
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${TESSARIN_CCACHE})
+  endif()
 endif()
 
 # tessarin_set_options(<target>): warnings and sanitizers.

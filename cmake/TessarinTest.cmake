@@ -12,8 +12,21 @@ function(tessarin_add_test name)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_compile_definitions(${name} PRIVATE TESSARIN_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+  tessarin_label_large_tests(${name} ${ARG_SOURCES})
   set_property(DIRECTORY APPEND PROPERTY TESSARIN_TEST_SOURCES ${ARG_SOURCES})
   cmake_language(DEFER CALL tessarin_require_all_tests)
+endfunction()
+
+# Labels each LARGE_TEST of the sources (tests/support/large.hpp) as the program is linked, when its tests are listed too.
+function(tessarin_label_large_tests name)
+  list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/ REGEX "^[^/]")
+  list(JOIN ARGN "," sources)
+  set(labels ${CMAKE_CURRENT_BINARY_DIR}/${name}_labels.cmake)
+  add_custom_command(TARGET ${name} POST_BUILD
+    COMMAND ${CMAKE_COMMAND} -DSOURCES=${sources} -DOUTPUT=${labels} -P ${PROJECT_SOURCE_DIR}/cmake/TessarinMarkLarge.cmake
+    VERBATIM)
+  file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/${name}_include_labels.cmake "include(\"${labels}\" OPTIONAL)\n")
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}_include_labels.cmake)
 endfunction()
 
 # Fails where the current directory holds a file of tests that is in no test.

@@ -2,6 +2,7 @@
 #include "tessarin/parser/ast/Conversions.hpp"
 
 #include "ast/builders.hpp"
+#include "support/large.hpp"
 #include "support/small_stack.hpp"
 
 #include <gtest/gtest.h>
@@ -346,7 +347,7 @@ TEST(Values, SurviveTheWayThroughAMatrix) {
   }
 }
 
-TEST(Values, NeedNoLargeStack) {
+LARGE_TEST(Values, NeedNoLargeStack) {
   onSmallStack([] {
     const Expr value = constant(nvf::ArraySize(1, 2), {1, 2});
     const Expr numbers = matrix({{number("1"), number("2")}});

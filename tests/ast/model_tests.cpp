@@ -3,6 +3,7 @@
 #include "tessarin/parser/ast/TSNFunction.hpp"
 
 #include "ast/builders.hpp"
+#include "support/large.hpp"
 #include "support/small_stack.hpp"
 #include "support/value_laws.hpp"
 
@@ -324,7 +325,7 @@ DeclarativeSections nested(std::size_t depth, std::string_view innermost = "p") 
   return sections;
 }
 
-TEST(Models, NestedSectionsNeedNoStack) {
+LARGE_TEST(Models, NestedSectionsNeedNoStack) {
   constexpr std::size_t depth = 10'000;
   onSmallStack([] {
     const Model a = modelOf(nested(depth));
@@ -345,7 +346,7 @@ TEST(Models, NestedSectionsNeedNoStack) {
   });
 }
 
-TEST(Models, LargeModelsPrintInLinearTime) {
+LARGE_TEST(Models, LargeModelsPrintInLinearTime) {
   // The time for each item must not grow with their number; a wide margin, since other processes run too.
   const auto seconds = [](std::size_t items, std::size_t length) {
     const std::vector<DeclarationBlock> blocks(items, parameters("p", number("1")));

@@ -1,6 +1,7 @@
 #include "tessarin/parser/ast/ExprTransformVisitor.hpp"
 
 #include "ast/kinds.hpp"
+#include "support/large.hpp"
 #include "support/small_stack.hpp"
 #include "support/value_laws.hpp"
 
@@ -117,7 +118,7 @@ TEST(Rewriting, AnExceptionLeavesTheScopesBalanced) {
   EXPECT_TRUE(visitor.letStack().declStack().empty());
 }
 
-TEST(Rewriting, EveryOperationWorksOnDeepTreesOnASmallStack) {
+LARGE_TEST(Rewriting, EveryOperationWorksOnDeepTreesOnASmallStack) {
   onSmallStack([] {
     const Expr sum = chain(100'000, name("a"));
     Expr nested = name("a");

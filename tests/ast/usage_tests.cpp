@@ -1,6 +1,7 @@
 #include "tessarin/parser/ast/Usage.hpp"
 
 #include "ast/builders.hpp"
+#include "support/large.hpp"
 #include "support/small_stack.hpp"
 
 #include <gtest/gtest.h>
@@ -274,7 +275,7 @@ TEST(Usage, UsedLetDeclarationsOfAStack) {
   EXPECT_TRUE(core::used_let_decls(a, LetDeclNameStack()).empty());
 }
 
-TEST(Usage, NeedsNoLargeStackAndNoMoreThanLinearTime) {
+LARGE_TEST(Usage, NeedsNoLargeStackAndNoMoreThanLinearTime) {
   onSmallStack([] {
     constexpr std::size_t length = 100'000;
     constexpr std::size_t levels = 10'000;

@@ -3,6 +3,7 @@
 
 #include "ast/kinds.hpp"
 #include "builder/files.hpp"
+#include "support/large.hpp"
 #include "support/small_stack.hpp"
 
 #include <gtest/gtest.h>
@@ -217,7 +218,7 @@ TEST(BuildExpr, WhatIsPrintedReadsBack) {
   }
 }
 
-TEST(BuildExpr, DeepTreesOnASmallStack) {
+LARGE_TEST(BuildExpr, DeepTreesOnASmallStack) {
   onSmallStack([] {
     std::string chain = "a";
     for (int i = 0; i < 100'000; ++i) chain += "+a";

@@ -2,6 +2,7 @@
 #include "tessarin/parser/setup/SetupConversion.hpp"
 
 #include "builder/files.hpp"
+#include "support/large.hpp"
 #include "support/small_stack.hpp"
 
 #include <gtest/gtest.h>
@@ -165,7 +166,7 @@ TEST(BuildOddTrees, SetupFunctions) {
   EXPECT_EQ(converted({K::IfStmt, {name(), name()}}), "fatal: Parse tree node not recognized. 118");
 }
 
-TEST(BuildOddTrees, NothingButExceptions) {
+LARGE_TEST(BuildOddTrees, NothingButExceptions) {
   const ThrowingTerminate terminate;
   const nvf::ScopedWarningSink silent([](const nvf::Message&) {});
   const ASTBuilder builder(nvf::DefaultValueTokensToValue{});
@@ -198,7 +199,7 @@ TEST(BuildOddTrees, NothingButExceptions) {
   EXPECT_GT(faults, 100'000U);
 }
 
-TEST(BuildOddTrees, DeeperThanTheParserGoes) {
+LARGE_TEST(BuildOddTrees, DeeperThanTheParserGoes) {
   onSmallStack([] {
     constexpr int depth = 60'000; // more than `maxNesting`
     ParseTree nested = reference();

@@ -1,5 +1,6 @@
 // Branches, connections, modecharts, setup functions, and sections that nest.
 #include "builder/files.hpp"
+#include "support/large.hpp"
 #include "support/small_stack.hpp"
 
 #include <gtest/gtest.h>
@@ -196,7 +197,7 @@ TEST(BuildSections, SetupFunctionStaysATree) {
   EXPECT_FALSE(modelOf("component c end").hasSetupFunctionParseTree());
 }
 
-TEST(BuildSections, DeepNesting) {
+LARGE_TEST(BuildSections, DeepNesting) {
   constexpr std::size_t depth = 10'000;
   const auto nested = [](std::string_view head, std::string_view core) {
     std::string text = "component c\n";
@@ -220,7 +221,7 @@ TEST(BuildSections, DeepNesting) {
   });
 }
 
-TEST(BuildSections, ManySections) {
+LARGE_TEST(BuildSections, ManySections) {
   constexpr std::size_t count = 20'000;
   std::string text = "component c\n";
   for (std::size_t i = 0; i < count; ++i) text += "equations; x == y; end\n";

@@ -2,6 +2,7 @@
 #include "tessarin/foundation/positive.hpp"
 #include "tessarin/foundation/sequences.hpp"
 
+#include "support/large.hpp"
 #include "support/small_stack.hpp"
 #include "support/value_laws.hpp"
 
@@ -119,7 +120,7 @@ struct Tree {
   Expressions<Tree> children;
 };
 
-TEST(Expressions, DeepNestsAreFreedOnASmallStack) {
+LARGE_TEST(Expressions, DeepNestsAreFreedOnASmallStack) {
   tessarin::test::onSmallStack([] {
     Tree tree;
     for (int level = 0; level < 200'000; ++level) tree = Tree{{std::move(tree), Tree()}};

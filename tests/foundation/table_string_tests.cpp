@@ -1,5 +1,7 @@
 #include "tessarin/foundation/table_string.hpp"
 
+#include "support/large.hpp"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -79,7 +81,7 @@ TEST(TableString, LongTextsAreKeptWhole) {
   }
 }
 
-TEST(TableString, TextsThatWereMadeToCollideTakeNoWalkOverAllOfThem) {
+LARGE_TEST(TableString, TextsThatWereMadeToCollideTakeNoWalkOverAllOfThem) {
   // Each step of the hash can be undone, so that for any first word there is a second one after which all states are
   // the same. A walk over all of these texts for each of them would not end before the time limit.
   const auto collide = [](std::uint64_t first) {

@@ -1,4 +1,5 @@
 // Large and deep texts on a small stack: long lists, long chains, nesting up to the limit and beyond it.
+#include "support/large.hpp"
 #include "support/parsing.hpp"
 #include "support/small_stack.hpp"
 
@@ -97,7 +98,7 @@ const std::vector<Row>& flatRows() {
   return rows;
 }
 
-TEST(ParseSize, ListOfAMillionItems) {
+LARGE_TEST(ParseSize, ListOfAMillionItems) {
   onSmallStack([] {
     const Row& array = flatRows().front();
     const Parsed parsed = parse(array.before + repeat(array.item, 1'000'000) + array.after);
@@ -107,7 +108,7 @@ TEST(ParseSize, ListOfAMillionItems) {
 }
 
 /// A list that were copied for each item would take minutes here.
-TEST(ParseSize, ListsOfEverySort) {
+LARGE_TEST(ParseSize, ListsOfEverySort) {
   onSmallStack([] {
     for (const Row& row : flatRows()) {
       const Parsed parsed = parse(row.before + repeat(row.item, 40'000) + row.after);
@@ -116,7 +117,7 @@ TEST(ParseSize, ListsOfEverySort) {
   });
 }
 
-TEST(ParseSize, ChainsToTheLeftDoNotNest) {
+LARGE_TEST(ParseSize, ChainsToTheLeftDoNotNest) {
   const struct {
     const char* name;
     std::string before;
@@ -178,7 +179,7 @@ const std::vector<Nest>& nests() {
   return table;
 }
 
-TEST(ParseSize, NestingUpToTheLimitAndBeyond) {
+LARGE_TEST(ParseSize, NestingUpToTheLimitAndBeyond) {
   static_assert(maxNesting >= 10'000);
   constexpr std::size_t around = 10; // more than the nodes that what stands around the nest may add
   onSmallStack([] {
@@ -197,7 +198,7 @@ TEST(ParseSize, NestingUpToTheLimitAndBeyond) {
 }
 
 /// A line of a listing is indented by its depth, so that a listing grows with the square of the depth.
-TEST(ParseSize, ListingOfADeepTree) {
+LARGE_TEST(ParseSize, ListingOfADeepTree) {
   onSmallStack([] {
     const Parsed parsed = parse("x" + repeat(" + x", 10'000) + ";");
     useTree(parsed.tree, true);

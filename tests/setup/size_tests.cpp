@@ -1,5 +1,6 @@
 // Setup functions of hostile size, on a stack of 1 MiB.
 #include "setup/converting.hpp"
+#include "support/large.hpp"
 #include "support/small_stack.hpp"
 
 #include <functional>
@@ -34,7 +35,7 @@ std::size_t exercise(const std::string& statements) {
   return length;
 }
 
-TEST(SetupSize, MillionStatements) {
+LARGE_TEST(SetupSize, MillionStatements) {
   constexpr std::size_t many = 1'000'000;
   const std::string statements = repeat("x=1;", many);
   onSmallStack([&] {
@@ -44,7 +45,7 @@ TEST(SetupSize, MillionStatements) {
   });
 }
 
-TEST(SetupSize, LongChainsAndDeepNests) {
+LARGE_TEST(SetupSize, LongChainsAndDeepNests) {
   constexpr std::size_t links = 10'000;
   constexpr std::size_t depth = 1'000; // the indents of the text grow with its square
   EXPECT_EQ(exercise("if a, " + repeat("elseif b, x = 1;\n", links) + "else, y = 1; end"),
@@ -59,7 +60,7 @@ TEST(SetupSize, LongChainsAndDeepNests) {
                 std::string_view("x = 1;\n").size() + 2 * depth);
 }
 
-TEST(SetupSize, LongAndDeepExpressions) {
+LARGE_TEST(SetupSize, LongAndDeepExpressions) {
   constexpr std::size_t many = 100'000;
   constexpr std::size_t depth = 9'000;
   EXPECT_EQ(exercise("x = 1" + repeat(" + 1", many) + ";"), 7 + 4 * many);
@@ -67,7 +68,7 @@ TEST(SetupSize, LongAndDeepExpressions) {
   EXPECT_EQ(exercise("x = " + repeat("-", depth) + "1;"), 7 + depth);
 }
 
-TEST(SetupSize, DeepFaultsAreRaisedOnASmallStack) {
+LARGE_TEST(SetupSize, DeepFaultsAreRaisedOnASmallStack) {
   constexpr std::size_t depth = 9'000;
   std::string fault;
   onSmallStack([&] { fault = converted(repeat("if a\n", depth) + "x = 1" + repeat("\nend", depth)); });

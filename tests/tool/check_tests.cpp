@@ -1,3 +1,4 @@
+#include "support/large.hpp"
 #include "tool/run_tool.hpp"
 
 #include <gtest/gtest.h>
@@ -159,7 +160,7 @@ TEST(CheckCommand, Json) {
   }
 }
 
-TEST(CheckCommand, TheSameForAnyNumberOfWorkers) {
+LARGE_TEST(CheckCommand, TheSameForAnyNumberOfWorkers) {
   const TemporaryFolder folder;
   for (int i = 0; i < 60; ++i) {
     const std::string name = "f" + std::to_string(i);

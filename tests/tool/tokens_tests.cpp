@@ -1,3 +1,4 @@
+#include "support/large.hpp"
 #include "tool/run_tool.hpp"
 
 #include <gtest/gtest.h>
@@ -143,7 +144,7 @@ TEST(TokensCommand, BytesThatAreNotUtf8) {
   }
 }
 
-TEST(TokensCommand, AFaultInTheMiddle) {
+LARGE_TEST(TokensCommand, AFaultInTheMiddle) {
   const TemporaryFolder folder;
   folder.write("wide.tsn", "a\n" + std::string(std::size_t{1} << 24U, ' ') + "b");
   const json fault = json::parse(R"({"fault":{"family":"parse","id":"LineColumnTooLarge","arguments":["wide.tsn"],

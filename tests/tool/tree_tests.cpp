@@ -1,3 +1,4 @@
+#include "support/large.hpp"
 #include "tool/run_tool.hpp"
 
 #include <gtest/gtest.h>
@@ -88,7 +89,7 @@ TEST(TreeCommand, Text) {
   EXPECT_EQ(fault.status, 1);
 }
 
-TEST(TreeCommand, DeepTreesOnASmallStack) {
+LARGE_TEST(TreeCommand, DeepTreesOnASmallStack) {
   constexpr std::size_t depth = 9000;
   constexpr std::size_t terms = 100'000;
   std::string sum = "x = 0";

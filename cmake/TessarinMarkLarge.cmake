@@ -1,0 +1,12 @@
+# cmake -DSOURCES=<file>,… -DOUTPUT=<file> -P: writes a script for CTest that labels each LARGE_TEST of the sources.
+string(REPLACE "," ";" sources "${SOURCES}")
+set(script "")
+foreach(source IN LISTS sources)
+  file(READ ${source} text)
+  string(REGEX MATCHALL "\nLARGE_TEST\\([A-Za-z0-9_]+,[ \n]+[A-Za-z0-9_]+\\)" marks "${text}")
+  foreach(mark IN LISTS marks)
+    string(REGEX REPLACE "\nLARGE_TEST\\(([A-Za-z0-9_]+),[ \n]+([A-Za-z0-9_]+)\\)" "\\1.\\2" test "${mark}")
+    string(APPEND script "set_tests_properties(${test} PROPERTIES LABELS large)\n")
+  endforeach()
+endforeach()
+file(WRITE ${OUTPUT} "${script}")
