@@ -1,6 +1,10 @@
+#include "tessarin/foundation/sanitizer.hpp"
+
+#include "support/large.hpp"
 #include "tool/run_tool.hpp"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 namespace {
 
@@ -23,6 +27,12 @@ TEST(CommandLine, WrongUsage) {
       {"check"},
       {"check", "a.tsn", "-j0"},
       {"check", "a.tsn", "-j", "many"},
+      {"check", "a.tsn", "-j-1"},
+      {"check", "a.tsn", "-j1.5"},
+      {"check", "a.tsn", "-j0x2"},
+      {"check", "a.tsn", "-j010"},
+      {"check", "a.tsn", "-j257"},
+      {"check", "a.tsn", "-j99999999999999999999"},
       {"check", "a.tsn", "--format"},
       {"check", "a.tsn", "--format", "yaml"},
       {"check", "a.tsn", "--format", "json", "--format", "json"},
@@ -41,6 +51,107 @@ TEST(CommandLine, WrongUsage) {
     EXPECT_EQ(result.out, "") << shown;
     EXPECT_NE(result.error, "") << shown;
   }
+}
+
+TEST(CommandLine, SaysWhatMayBeMeant) {
+  struct Case {
+    std::vector<std::string> arguments;
+    std::string message;
+  };
+  const std::string more = "\nRun 'tsn --help' for more information.\n";
+  const Case cases[] = {
+      {{"chekc", "a.tsn"}, "there is no command 'chekc'; did you mean 'check'?" + more},
+      {{"outlines"}, "there is no command 'outlines'; did you mean 'outline'?" + more},
+      {{"tre", "--json"}, "there is no command 'tre'; did you mean 'tree'?" + more},
+      {{"a.tsn"}, "there is no command 'a.tsn'" + more},
+      {{"x\x1B[2Jy"}, "there is no command 'x\\u001B[2Jy'" + more},
+      {{std::string(300, 'c')}, "there is no command '" + std::string(300, 'c') + "'" + more},
+      {{"--versoin"}, "there is no option '--versoin'; did you mean '--version'?" + more},
+      {{"check", "a.tsn", "--fromat=json"},
+       "there is no option '--fromat'; did you mean '--format'?\nRun 'tsn check --help' for more information.\n"},
+      {{"expr", "1", "--jsn"},
+       "there is no option '--jsn'; did you mean '--json'?\nRun 'tsn expr --help' for more information.\n"},
+  };
+  const TemporaryFolder folder;
+  for (const Case& c : cases) {
+    const ToolResult result = runTool(folder, c.arguments);
+    EXPECT_EQ(result.error, "tsn: " + c.message);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.status, 2);
+  }
+  const ToolResult nothing = runTool(folder, {});
+  EXPECT_EQ(nothing.error, "tsn: a command is missing\n\n" + runTool(folder, {"--help"}).out);
+  EXPECT_EQ(nothing.status, 2);
+}
+
+/// Runs the tool behind a line of the shell, such as one that closes its standard input.
+ToolResult runBehind(const TemporaryFolder& folder, const std::string& line, std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), {"-c", line + "; exec \"$0\" \"$@\"", TSN_EXECUTABLE});
+  return runProgram("sh", folder, arguments);
+}
+
+TEST(CommandLine, ClosedStreamsAreNoOtherFiles) {
+  const TemporaryFolder folder;
+  folder.write("a.tsn", "x = 1;\n");
+  const ToolResult input = runBehind(folder, "exec <&-", {"tokens", "-"});
+  EXPECT_EQ(input.error, "<stdin>: error: cannot be read: Bad file descriptor\n");
+  EXPECT_EQ(input.status, 2);
+  // The file that is opened first would get the number of the stream.
+  const ToolResult both = runBehind(folder, "exec <&-", {"check", "a.tsn", "-"});
+  EXPECT_NE(both.out.find("<stdin>: error: cannot be read"), std::string::npos) << both.out;
+  const ToolResult output = runBehind(folder, "exec >&-", {"tokens", "a.tsn"});
+  EXPECT_EQ(output.error, "tsn: cannot write to standard output: Bad file descriptor\n");
+  EXPECT_EQ(output.status, 2);
+}
+
+#if !TESSARIN_ADDRESS_SANITIZER && !TESSARIN_THREAD_SANITIZER // which take more memory than there is
+LARGE_TEST(CommandLine, MemoryThatEnds) {
+  const TemporaryFolder folder;
+  std::string source = "component f\nequations\n";
+  for (int i = 0; i < 10'000; ++i) source += "x" + std::to_string(i) + " == a + b * c;\n";
+  folder.write("f.tsn", source + "end\nend\n");
+  // From where the tool does not start up to where the answer is there: a document is whole, or there is none.
+  int refusals = 0;
+  int answers = 0;
+  for (int megabytes = 40; megabytes <= 1200 && answers == 0; megabytes += megabytes / 5) {
+    const std::string line = "ulimit -v " + std::to_string(megabytes * 1024);
+    for (const std::string command : {"ast", "tree", "check"}) {
+      const ToolResult result = runBehind(folder, line, {command, "--json", "f.tsn"});
+      if (result.status == 127) break; // not started
+      const bool isWhole = result.out.ends_with("}\n") && nlohmann::json::accept(result.out);
+      if (result.out.find("there is not enough memory") != std::string::npos) {
+        EXPECT_TRUE(isWhole) << command << megabytes;
+        EXPECT_EQ(result.status, 2) << command << megabytes;
+        ++refusals;
+      } else if (result.status == 2) {
+        EXPECT_EQ(result.out, "") << command << megabytes;
+        EXPECT_EQ(result.error, "tsn: there is not enough memory\n") << command << megabytes;
+        ++refusals;
+      } else {
+        EXPECT_TRUE(isWhole) << command << megabytes;
+        EXPECT_EQ(result.status, 0) << result.error;
+        if (command == "ast") ++answers;
+      }
+    }
+  }
+  EXPECT_GT(refusals, 0);
+  EXPECT_GT(answers, 0);
+}
+#endif
+
+TEST(CommandLine, NothingSteersTheTerminal) {
+  const TemporaryFolder folder;
+  folder.write("f.tsn", "x = 'a\x1B[2J\xC2\x9B';\n");
+  for (const std::string command : {"tree", "tokens"}) {
+    const Terminal terminal;
+    runTool(folder, {command, "f.tsn"}, {.outputFile = terminal.name(), .environment = {"TERM=xterm"}});
+    const std::string text = terminal.written();
+    EXPECT_NE(text.find("\\u001B[2J\\u009B"), std::string::npos) << text;
+    EXPECT_EQ(text.find('\x1B'), std::string::npos) << text;
+    EXPECT_EQ(text.find("\xC2\x9B"), std::string::npos) << text;
+  }
+  // A file gets what stands there.
+  EXPECT_NE(runTool(folder, {"tree", "f.tsn"}).out.find("a\x1B[2J\xC2\x9B"), std::string::npos);
 }
 
 TEST(CommandLine, UnreadableFiles) {
@@ -79,6 +190,11 @@ TEST(CommandLine, OutputThatCannotBeWritten) {
   folder.write("f.tsn", "x = 1;\n");
   for (const std::string command : {"tokens", "tree", "check"}) {
     const ToolResult result = runTool(folder, {command, "f.tsn"}, {.outputFile = "/dev/full"});
+    EXPECT_EQ(result.error, "tsn: cannot write to standard output: No space left on device\n");
+    EXPECT_EQ(result.status, 2);
+  }
+  for (const std::string option : {"--help", "--version"}) {
+    const ToolResult result = runTool(folder, {option}, {.outputFile = "/dev/full"});
     EXPECT_EQ(result.error, "tsn: cannot write to standard output: No space left on device\n");
     EXPECT_EQ(result.status, 2);
   }

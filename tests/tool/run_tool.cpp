@@ -114,6 +114,23 @@ ToolResult runProgram(const std::string& program, const TemporaryFolder& folder,
           options.outputFile.empty() ? contentsOf(out) : std::string(), contentsOf(error)};
 }
 
+Terminal::Terminal() : master_(posix_openpt(O_RDWR | O_NOCTTY)) {
+  require(master_ >= 0 && grantpt(master_) == 0 && unlockpt(master_) == 0, "no terminal");
+  name_ = ptsname(master_);
+  slave_ = open(name_.c_str(), O_RDWR | O_NOCTTY); // so that what is written stays when the process ends
+}
+
+Terminal::~Terminal() {
+  close(slave_);
+  close(master_);
+}
+
+std::string Terminal::written() const {
+  std::string text(4096, '\0');
+  text.resize(static_cast<std::size_t>(std::max<ssize_t>(read(master_, text.data(), text.size()), 0)));
+  return text;
+}
+
 ToolResult runTool(const TemporaryFolder& folder, const std::vector<std::string>& arguments,
                    const ToolOptions& options) {
   return runProgram(TSN_EXECUTABLE, folder, arguments, options);

@@ -38,6 +38,24 @@ struct ToolOptions {
   std::size_t stack = 0;                     ///< the size of the stack in bytes, where not 0
 };
 
+/// A terminal to which a process can write: the output file of a run.
+class Terminal {
+public:
+  Terminal();
+  ~Terminal();
+  Terminal(const Terminal&) = delete;
+  Terminal& operator=(const Terminal&) = delete;
+
+  [[nodiscard]] const std::string& name() const { return name_; }
+  /// What has been written, up to some thousand bytes; waits until it is something.
+  [[nodiscard]] std::string written() const;
+
+private:
+  int master_;
+  int slave_ = -1;
+  std::string name_;
+};
+
 /// Runs a program in `folder`; one whose name has no slash is looked for on the path. Throws `std::system_error` where
 /// it cannot be started.
 ToolResult runProgram(const std::string& program, const TemporaryFolder& folder,

@@ -161,7 +161,7 @@ TEST(Sarif, ResultsAndNotifications) {
       "virtual const tessarin::compiler::core::Token& tessarin::compiler::core::NonTerminalData::token() const) "
       "[nvf::FatalError]",
       "gone.tsn: cannot be read: No such file or directory [tessarin::tool::UnreadableFile]",
-      "utf.tsn: invalid UTF-8 at byte 0 [nvf::InvalidUtf8]",
+      "utf.tsn: invalid UTF-8 at byte 0, line 1, column 1 [nvf::InvalidUtf8]",
   };
   EXPECT_EQ(linesOf(run), expected);
 }

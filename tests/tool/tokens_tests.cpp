@@ -117,19 +117,23 @@ TEST(TokensCommand, WarningsAreTextOnStandardError) {
 TEST(TokensCommand, BytesThatAreNotUtf8) {
   struct Case {
     std::string bytes;
-    int offset;
+    std::string place;
   };
   const Case cases[] = {
-      {"\xFF", 0},             // no such byte
-      {"ab\n\x80", 3},         // a continuation alone
-      {"x\xC3", 1},            // cut short
-      {"\xC3\xA9\xC0\xAF", 2}, // overlong
-      {"\xED\xA0\x80", 0},     // a surrogate
-      {"\xF4\x90\x80\x80", 0}, // too large
+      {"\xFF", "0, line 1, column 1"},             // no such byte
+      {"ab\n\x80", "3, line 2, column 1"},         // a continuation alone
+      {"x\xC3", "1, line 1, column 2"},            // cut short
+      {"\xC3\xA9\xC0\xAF", "2, line 1, column 2"}, // overlong
+      {"\xED\xA0\x80", "0, line 1, column 1"},     // a surrogate
+      {"\xF4\x90\x80\x80", "0, line 1, column 1"}, // too large
+      // Each line end counts once; columns count UTF-16 code units.
+      {"a\r\nb\rc\n\xF0\x9D\x94\xB8\xFF", "11, line 4, column 3"},
+      {std::string("\xFF\xFEx\0", 4), "0, line 1, column 1; it looks like UTF-16: save it as UTF-8"},
+      {std::string("\xFE\xFF\0x", 4), "0, line 1, column 1; it looks like UTF-16: save it as UTF-8"},
   };
   const TemporaryFolder folder;
   for (const Case& c : cases) {
-    const std::string what = "invalid UTF-8 at byte " + std::to_string(c.offset);
+    const std::string what = "invalid UTF-8 at byte " + c.place;
     folder.write("f.tsn", c.bytes);
     const ToolResult text = runTool(folder, {"tokens", "f.tsn"});
     EXPECT_EQ(text.out, "");

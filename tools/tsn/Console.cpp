@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <fcntl.h>
+#include <new>
 #include <string>
 #include <system_error>
 #include <unistd.h>
@@ -33,26 +35,66 @@ BlockBuffer::BlockBuffer(int descriptor)
 }
 
 void BlockBuffer::drain() {
+  if (isHeld_) return;
   write(pbase(), static_cast<std::size_t>(pptr() - pbase()));
   setp(block_.get(), block_.get() + blockSize);
 }
 
-BlockBuffer::int_type BlockBuffer::overflow(int_type c) {
+void BlockBuffer::hold() {
   drain();
+  isHeld_ = true;
+}
+
+void BlockBuffer::letGo() {
+  for (const std::vector<char>& block : full_) write(block.data(), block.size());
+  full_.clear();
+  isHeld_ = false;
+}
+
+void BlockBuffer::drop() noexcept {
+  if (!isHeld_) return;
+  full_.clear();
+  setp(block_.get(), block_.get() + blockSize);
+  isHeld_ = false;
+}
+
+void BlockBuffer::makeRoom() {
+  if (isHeld_) {
+    full_.emplace_back(pbase(), pptr());
+    setp(block_.get(), block_.get() + blockSize);
+  } else {
+    drain();
+  }
+}
+
+BlockBuffer::int_type BlockBuffer::overflow(int_type c) {
+  makeRoom();
   if (failure_ != 0) return traits_type::eof();
   if (!traits_type::eq_int_type(c, traits_type::eof())) sputc(traits_type::to_char_type(c));
   return traits_type::not_eof(c);
 }
 
 std::streamsize BlockBuffer::xsputn(const char* text, std::streamsize length) {
-  if (length > epptr() - pptr()) drain();
-  if (length > epptr() - pptr()) {
-    write(text, static_cast<std::size_t>(length));
+  std::streamsize left = length;
+  while (left > epptr() - pptr()) {
+    if (!isHeld_ && pptr() == pbase()) break; // nothing to be written first: longer than a block
+    const std::streamsize part = isHeld_ ? epptr() - pptr() : 0;
+    put(text, part);
+    text += part;
+    left -= part;
+    makeRoom();
+  }
+  if (left > epptr() - pptr()) {
+    write(text, static_cast<std::size_t>(left));
   } else {
-    std::copy_n(text, length, pptr());
-    pbump(static_cast<int>(length));
+    put(text, left);
   }
   return failure_ == 0 ? length : 0;
+}
+
+void BlockBuffer::put(const char* text, std::streamsize length) {
+  std::copy_n(text, length, pptr());
+  pbump(static_cast<int>(length));
 }
 
 void BlockBuffer::write(const char* text, std::size_t length) {
@@ -67,10 +109,19 @@ void BlockBuffer::write(const char* text, std::size_t length) {
   }
 }
 
+Console::StandardStreams::StandardStreams() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(descriptor, F_GETFD) != -1 || errno != EBADF) continue;
+    // The lowest free number is this one, for those below are taken. Opened the wrong way round on purpose.
+    static_cast<void>(open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+  }
+}
+
 Console::Console()
     : outBuffer_(STDOUT_FILENO),
       errorBuffer_(STDERR_FILENO),
       out_(&outBuffer_),
+      outIsTerminal_(isatty(STDOUT_FILENO) == 1),
       outHasColours_(mayColour(STDOUT_FILENO)),
       errorHasColours_(mayColour(STDERR_FILENO)) {}
 
@@ -78,6 +129,12 @@ void Console::report(std::string_view text) {
   outBuffer_.drain();
   errorBuffer_.sputn(text.data(), static_cast<std::streamsize>(text.size()));
   errorBuffer_.drain();
+}
+
+void Console::endDocument() {
+  // A stream turns what its buffer throws into a state.
+  if (out_.bad() && outBuffer_.failure() == 0) throw std::bad_alloc();
+  outBuffer_.letGo();
 }
 
 Status Console::finish(Status status) {

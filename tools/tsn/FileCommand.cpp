@@ -2,8 +2,10 @@
 
 #include "Outcome.hpp"
 #include "Report.hpp"
+#include "TerminalBuffer.hpp"
 
 #include <optional>
+#include <ostream>
 #include <vector>
 
 namespace tessarin::tool {
@@ -16,18 +18,16 @@ Status answerText(const std::string& path, const FileAnswer& how, Console& conso
   const auto failure = observe([&](const nvf::Message& message) { console.report(report.warning(Finding(message))); },
                                [&] {
                                  source = Source::read(path);
-                                 how.text(*source, console.out());
+                                 writeText(console, [&](std::ostream& out) { how.text(*source, out); });
                                });
   if (failure) console.report(report.failure(*failure));
   return statusOf(failure);
 }
 
-Status answerJson(const std::string& path, const FileAnswer& how, Console& console) {
-  std::vector<nvf::Message> warnings;
-  std::function<void(JsonWriter&)> writeAnswer;
-  const auto failure = observe([&](const nvf::Message& message) { warnings.push_back(message); },
-                               [&] { writeAnswer = how.json(Source::read(path)); });
-
+/// Writes the document: the answer, where there is no failure.
+void writeDocument(const FileAnswer& how, const std::function<void(JsonWriter&)>& writeAnswer,
+                   const std::optional<Failure>& failure, const std::vector<nvf::Message>& warnings, Console& console) {
+  console.beginDocument();
   JsonWriter json(console.out());
   if (how.isWholeDocument && !failure) {
     writeAnswer(json);
@@ -43,6 +43,23 @@ Status answerJson(const std::string& path, const FileAnswer& how, Console& conso
     json.endArray().endObject();
   }
   console.out() << '\n';
+  console.endDocument();
+}
+
+Status answerJson(const std::string& path, const FileAnswer& how, Console& console) {
+  std::vector<nvf::Message> warnings;
+  std::function<void(JsonWriter&)> writeAnswer;
+  auto failure = observe([&](const nvf::Message& message) { warnings.push_back(message); },
+                         [&] { writeAnswer = how.json(Source::read(path)); });
+  if (!failure) {
+    // Where the answer cannot be written down, the failure stands in its place.
+    failure =
+        observe([](const nvf::Message&) {}, [&] { writeDocument(how, writeAnswer, std::nullopt, warnings, console); });
+    if (!failure) return Status::Success;
+    console.dropDocument();
+    writeAnswer = nullptr;
+  }
+  writeDocument(how, writeAnswer, failure, warnings, console);
   return statusOf(failure);
 }
 

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cxxabi.h>
 #include <memory>
+#include <new>
 #include <span>
 #include <string_view>
 #include <typeinfo>
@@ -42,7 +43,9 @@ Failure currentFailure() {
   } catch (const UnreadableFile& e) {
     return OtherException{currentClassName(), e.what(), Status::Usage, true};
   } catch (const nvf::InvalidUtf8& e) {
-    return OtherException{currentClassName(), e.what(), Status::Fault, true};
+    return OtherException{"nvf::InvalidUtf8", e.what(), Status::Fault, true};
+  } catch (const std::bad_alloc&) {
+    return OtherException{"std::bad_alloc", "there is not enough memory", Status::Usage, true};
   } catch (const std::exception& e) {
     return OtherException{currentClassName(), e.what(), Status::Fault};
   } catch (...) {

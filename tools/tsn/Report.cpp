@@ -34,6 +34,26 @@ Window windowOf(nvf::ustring_view line, std::size_t column) {
   return {line.substr(begin, length), column - begin, begin > 0, begin + length < line.size()};
 }
 
+/// How much of a word in a message is shown, in UTF-16 code units: names may be as long as the input.
+constexpr std::size_t longestWord = 120;
+
+/// The text with the end of each long word cut off.
+nvf::ustring withShortWords(nvf::ustring_view text) {
+  nvf::ustring out;
+  std::size_t word = 0; // its length so far
+  for (std::size_t i = 0; i < text.size();) {
+    const std::size_t length = characterAt(text, i).length;
+    word = text[i] == u' ' ? 0 : word + length;
+    if (word <= longestWord) {
+      out += text.substr(i, length);
+    } else if (word - length <= longestWord) {
+      out += u"…";
+    }
+    i += length;
+  }
+  return out;
+}
+
 /// What brings a caret under a column: as many blanks as the text before it is wide, and the same tabs.
 std::string marginOf(nvf::ustring_view before) {
   std::string margin;
@@ -99,7 +119,7 @@ std::string Report::finding(const Finding& finding, std::string_view colour, std
   std::string place;
   if (finding.line) place += ":" + std::to_string(*finding.line + 1);
   if (finding.column) place += ":" + std::to_string(*finding.column + 1);
-  const std::string text = escaped(finding.message.text()) + " [" + finding.message.id().id + "]";
+  const std::string text = escaped(withShortWords(finding.message.text())) + " [" + finding.message.id().id + "]";
   return headline(place, colour, label, text) + snippet(finding);
 }
 

@@ -58,10 +58,37 @@ std::string readBytes(const std::string& path) {
   return bytes;
 }
 
+/// Whether the input begins as UTF-16 does: with a mark of the byte order.
+bool looksLikeUtf16(std::string_view bytes) {
+  return bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
+}
+
+nvf::ustring decode(std::string_view bytes) {
+  try {
+    return nvf::decode_utf8(bytes);
+  } catch (const nvf::InvalidUtf8& cause) {
+    throw NotUtf8(cause, bytes);
+  }
+}
+
 } // namespace
 
+NotUtf8::NotUtf8(const nvf::InvalidUtf8& cause, std::string_view bytes) : InvalidUtf8(cause), what_(cause.what()) {
+  const nvf::ustring before = nvf::decode_utf8(bytes.substr(0, cause.offset()));
+  std::size_t line = 1;
+  std::size_t begin = 0; // of the line
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    const bool endsLine = before[i] == u'\n' || (before[i] == u'\r' && !before.substr(i + 1, 1).starts_with(u'\n'));
+    if (!endsLine) continue;
+    ++line;
+    begin = i + 1;
+  }
+  what_ += ", line " + std::to_string(line) + ", column " + std::to_string(before.size() - begin + 1);
+  if (looksLikeUtf16(bytes)) what_ += "; it looks like UTF-16: save it as UTF-8";
+}
+
 Source Source::read(const std::string& path) {
-  const nvf::ustring text = nvf::decode_utf8(readBytes(path));
+  const nvf::ustring text = decode(readBytes(path));
   return Source({nvf::FileName(displayName(path)), text});
 }
 

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -16,6 +17,17 @@ public:
   using std::system_error::system_error;
 };
 
+/// Thrown for bytes that are not UTF-8. Says where, with lines and columns from 1, and whether they look like UTF-16.
+class NotUtf8 : public nvf::InvalidUtf8 {
+public:
+  /// `bytes` is the input in which `cause` was found.
+  NotUtf8(const nvf::InvalidUtf8& cause, std::string_view bytes);
+  [[nodiscard]] const char* what() const noexcept override { return what_.c_str(); }
+
+private:
+  std::string what_;
+};
+
 /// The text of an input.
 class Source {
 public:
@@ -24,8 +36,8 @@ public:
   /// What standard input is called in locations.
   static constexpr const char* standardInputName = "<stdin>";
 
-  /// Reads the file, or standard input, to its end. Throws `UnreadableFile`, and `nvf::InvalidUtf8` where the bytes are
-  /// not UTF-8. A byte order mark is kept: positions count it.
+  /// Reads the file, or standard input, to its end. Throws `UnreadableFile`, and `NotUtf8` where the bytes are not
+  /// UTF-8. A byte order mark is kept: positions count it.
   static Source read(const std::string& path);
 
   /// How the input is called in locations and in text for people.

@@ -1,7 +1,6 @@
 #include "SourceFiles.hpp"
 
 #include <algorithm>
-#include <system_error>
 
 namespace tessarin::tool {
 
@@ -25,8 +24,8 @@ bool isRealDirectory(const fs::directory_entry& entry) {
 
 } // namespace
 
-std::vector<std::string> filesBelow(const fs::path& directory) {
-  std::vector<std::string> files;
+FilesBelow filesBelow(const fs::path& directory) {
+  FilesBelow found;
   std::vector<fs::path> open = {directory};
   while (!open.empty()) {
     const fs::path current = std::move(open.back());
@@ -37,13 +36,21 @@ std::vector<std::string> filesBelow(const fs::path& directory) {
       if (isRealDirectory(*entry)) {
         open.push_back(entry->path());
       } else if (isSourceFile(*entry)) {
-        files.push_back(entry->path().native());
+        found.files.push_back(entry->path().native());
       }
     }
-    if (failure) files.push_back(current.native());
+    if (failure) found.unreadable.emplace_back(current.native(), failure);
   }
-  std::sort(files.begin(), files.end());
-  return files;
+  std::sort(found.files.begin(), found.files.end());
+  std::sort(found.unreadable.begin(), found.unreadable.end());
+  return found;
+}
+
+std::string identityOf(const std::string& path) {
+  const fs::path file(path);
+  std::error_code failure;
+  const fs::path directory = fs::canonical(file.has_parent_path() ? file.parent_path() : fs::path("."), failure);
+  return failure ? path : (directory / file.filename()).native();
 }
 
 } // namespace tessarin::tool

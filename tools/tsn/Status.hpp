@@ -7,7 +7,7 @@ namespace tessarin::tool {
 enum class Status {
   Success = 0,
   Fault = 1, ///< the input has a fault
-  Usage = 2, ///< the command line is wrong, or a file cannot be read or written
+  Usage = 2, ///< the command line is wrong, a file cannot be read or written, or there is not enough memory
 };
 
 } // namespace tessarin::tool

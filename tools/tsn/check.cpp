@@ -35,7 +35,7 @@ constexpr FormatRow formats[] = {{"text", textFormat}, {"json", jsonFormat}, {"s
 
 struct CheckOptions {
   std::vector<std::string> paths;
-  std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
+  std::size_t jobs = std::clamp(std::thread::hardware_concurrency(), 1U, 256U);
   std::string format = formats[0].name;
 };
 
@@ -71,12 +71,18 @@ Status checkFiles(const std::vector<std::string>& files, std::size_t jobs, Check
   return summary.status;
 }
 
-/// The files that the arguments stand for, each once. Tells of directories that have none.
-std::vector<std::string> filesToCheck(const std::vector<std::string>& arguments, Console& console) {
-  std::vector<std::string> files;
+/// What the arguments stand for.
+struct FilesToCheck {
+  std::vector<std::string> files; ///< each once
+  Status status = Status::Success;
+};
+
+/// Tells of directories that have no files or cannot be read.
+FilesToCheck filesToCheck(const std::vector<std::string>& arguments, Console& console) {
+  FilesToCheck result;
   std::unordered_set<std::string> seen;
   const auto add = [&](const std::string& file) {
-    if (seen.insert(file).second) files.push_back(file);
+    if (seen.insert(file == Source::standardInput ? file : identityOf(file)).second) result.files.push_back(file);
   };
   for (const std::string& argument : arguments) {
     std::error_code ignored;
@@ -84,11 +90,25 @@ std::vector<std::string> filesToCheck(const std::vector<std::string>& arguments,
       add(argument);
       continue;
     }
-    const std::vector<std::string> below = filesBelow(argument);
-    if (below.empty()) console.report("tsn: there are no .tsn files below '" + escaped(argument) + "'\n");
-    std::for_each(below.begin(), below.end(), add);
+    const FilesBelow below = filesBelow(argument);
+    for (const auto& [directory, failure] : below.unreadable) {
+      console.report("tsn: '" + escaped(directory) + "' cannot be read: " + failure.message() + "\n");
+      result.status = Status::Usage;
+    }
+    if (below.files.empty()) console.report("tsn: there are no .tsn files below '" + escaped(argument) + "'\n");
+    std::for_each(below.files.begin(), below.files.end(), add);
   }
-  return files;
+  if (result.files.empty()) result.status = Status::Usage;
+  return result;
+}
+
+/// Says what is wrong with a number of jobs.
+std::string jobsFault(const std::string& text) {
+  constexpr unsigned long most = 256;
+  const bool isNumber = !text.empty() && text.size() <= 3 && !text.starts_with('0') &&
+                        text.find_first_not_of("0123456789") == std::string::npos;
+  const unsigned long number = isNumber ? std::stoul(text) : 0;
+  return number >= 1 && number <= most ? std::string() : "must be a whole number from 1 to " + std::to_string(most);
 }
 
 /// Adds --format, and --json, which is short for one form.
@@ -117,17 +137,18 @@ Action check(CLI::App& app) {
   const auto options = std::make_shared<CheckOptions>();
   app.add_option("FILE|DIR", options->paths, "files, directories, or - for standard input")->required()->type_name("");
   app.add_option("-j,--jobs", options->jobs, "check so many files at the same time (by default one for each processor)")
-      ->check([](const std::string& text) {
-        return text.find_first_not_of('0') == std::string::npos ? std::string("at least one file at a time")
-                                                                : std::string();
-      })
+      ->check(jobsFault)
       ->option_text("N");
   addFormatOptions(app, options);
   return [options](Console& console) {
-    const std::vector<std::string> files = filesToCheck(options->paths, console);
+    const FilesToCheck toCheck = filesToCheck(options->paths, console);
     const auto* row = std::find_if(std::begin(formats), std::end(formats),
                                    [&](const FormatRow& f) { return options->format == f.name; });
-    return checkFiles(files, options->jobs, *row->make(console));
+    const bool isDocument = row != std::begin(formats);
+    if (isDocument) console.beginDocument();
+    const Status status = checkFiles(toCheck.files, options->jobs, *row->make(console));
+    if (isDocument) console.endDocument();
+    return std::max(status, toCheck.status);
   };
 }
 

@@ -8,10 +8,12 @@
 #include "JsonWriter.hpp"
 #include "Outcome.hpp"
 #include "Report.hpp"
+#include "TerminalBuffer.hpp"
 
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <variant>
 
@@ -58,13 +60,15 @@ void writeText(const Outcome& outcome, const ExprOptions& options, Console& cons
   } else if (options.digest) {
     console.out() << hexDigest(*outcome.expr) << '\n';
   } else {
-    console.out() << nvf::encode_utf8(options.user ? core::to_user_string(*outcome.expr)
-                                                   : core::to_string(*outcome.expr))
-                  << '\n';
+    writeText(console, [&](std::ostream& out) {
+      out << nvf::encode_utf8(options.user ? core::to_user_string(*outcome.expr) : core::to_string(*outcome.expr))
+          << '\n';
+    });
   }
 }
 
 void writeJson(const Outcome& outcome, Console& console) {
+  console.beginDocument();
   JsonWriter json(console.out());
   json.beginObject();
   if (outcome.failure) {
@@ -81,6 +85,7 @@ void writeJson(const Outcome& outcome, Console& console) {
   }
   json.key("warnings").beginArray().endArray().endObject();
   console.out() << '\n';
+  console.endDocument();
 }
 
 } // namespace

@@ -3,11 +3,16 @@
 #include "tessarin/foundation/terminate.hpp"
 
 #include "Command.hpp"
+#include "Printable.hpp"
+#include "Suggestion.hpp"
 
 #include <CLI/CLI.hpp>
 
 #include <exception>
+#include <new>
+#include <sstream>
 #include <string>
+#include <vector>
 
 namespace tessarin::tool {
 
@@ -32,7 +37,50 @@ document of --json is the answer. 'tsn COMMAND --help' tells about a command, an
 Exit status:
   0  the input is in order; warnings do not count
   1  the input has a fault
-  2  the command line is wrong, or a file cannot be read or written)";
+  2  the command line is wrong, a file cannot be read or written, or there is not enough memory)";
+
+/// What the command line says that does not exist, with what may be meant; empty where it is another error.
+std::string unknownName(const CLI::App& app) {
+  const std::vector<CLI::App*> chosen = app.get_subcommands();
+  const CLI::App& part = chosen.empty() ? app : *chosen.front();
+  const std::vector<std::string> unknown = part.remaining(true);
+  if (unknown.empty()) return {};
+  const std::string name = unknown.front().substr(0, unknown.front().find('='));
+
+  std::vector<std::string> names;
+  const bool isOption = name.starts_with('-');
+  if (isOption) {
+    for (const CLI::Option* option : part.get_options()) {
+      for (const std::string& longName : option->get_lnames()) names.push_back("--" + longName);
+    }
+  } else if (chosen.empty()) {
+    for (const CommandRow& row : commands) names.emplace_back(row.name);
+  } else {
+    return {}; // one argument too many
+  }
+  const std::optional<std::string> meant = suggestionFor(name, names);
+  return std::string("there is no ") + (isOption ? "option '" : "command '") + escaped(name) + "'" +
+         (meant ? "; did you mean '" + *meant + "'?" : "");
+}
+
+/// Answers to --help and --version, or says what is wrong with the command line.
+Status answer(const CLI::App& app, const CLI::ParseError& error, Console& console) {
+  std::ostringstream answer;
+  std::ostringstream fault;
+  if (app.exit(error, answer, fault) == 0) {
+    console.out() << answer.str();
+    return Status::Success;
+  }
+  const std::string unknown = unknownName(app);
+  if (unknown.empty() && app.get_subcommands().empty()) {
+    console.report("tsn: a command is missing\n\n" + app.help());
+  } else {
+    const std::string part = app.get_subcommands().empty() ? "" : " " + app.get_subcommands().front()->get_name();
+    console.report("tsn: " + (unknown.empty() ? escaped(std::string(error.what())) : unknown) + "\nRun 'tsn" + part +
+                   " --help' for more information.\n");
+  }
+  return Status::Usage;
+}
 
 Status run(int argc, char** argv, Console& console) {
   CLI::App app("Looks at Tessarin sources: tokens, trees, what they declare and use, what is wrong with them.", "tsn");
@@ -54,8 +102,7 @@ Status run(int argc, char** argv, Console& console) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
-    // Help and version are "errors" with the exit code 0.
-    return app.exit(e) == 0 ? Status::Success : Status::Usage;
+    return answer(app, e, console);
   }
   return action(console);
 }
@@ -70,7 +117,12 @@ int main(int argc, char** argv) {
   Console console;
   try {
     return static_cast<int>(console.finish(run(argc, argv, console)));
+  } catch (const std::bad_alloc&) {
+    console.dropDocument();
+    console.report("tsn: there is not enough memory\n");
+    return static_cast<int>(Status::Usage);
   } catch (const std::exception& e) {
+    console.dropDocument();
     console.report("tsn: " + std::string(e.what()) + "\n");
     return static_cast<int>(Status::Usage);
   }
