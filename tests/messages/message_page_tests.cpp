@@ -1,13 +1,12 @@
 // Each message with a text that leads to it, or the reason why none does, and the page that tells users of them.
+#include "tessarin/ide/Stages.hpp"
 #include "tessarin/packages/ModelFile.hpp"
 #include "tessarin/packages/TSNFunctionFile.hpp"
 #include "tessarin/parser/builder/StringEntries.hpp"
 
 #include "support/golden.hpp"
 #include "support/parsing.hpp"
-#include "tools/tsn/FileWalk.hpp"
 #include "tools/tsn/Report.hpp"
-#include "tools/tsn/SetupFunction.hpp"
 
 #include <gtest/gtest.h>
 
@@ -130,7 +129,7 @@ Outcome outcomeOfFile(const Sample& sample) {
       },
       [&] {
         source = tool::Source::read(sample.file);
-        static_cast<void>(tool::setupFunctionOf(tool::buildFile(*source)));
+        static_cast<void>(ide::setupFunctionOf(ide::buildFile(source->buffer())));
       });
   if (failure) outcome.add("error ", std::get<tool::Finding>(*failure), report.failure(*failure));
   return outcome;

@@ -1,12 +1,12 @@
 // tsn ast: the syntax tree of a file.
 
+#include "tessarin/ide/Stages.hpp"
 #include "tessarin/packages/ModelFile.hpp"
 #include "tessarin/packages/TSNFunctionFile.hpp"
 
 #include "Command.hpp"
 #include "Dump.hpp"
 #include "FileCommand.hpp"
-#include "FileWalk.hpp"
 
 #include <variant>
 
@@ -40,11 +40,11 @@ constexpr FileAnswer astAnswer{
     .text =
         [](const Source& source, std::ostream& out) {
           ListingSink sink(out);
-          dumpFile(sink, buildFile(source));
+          dumpFile(sink, ide::buildFile(source.buffer()));
           sink.finish();
         },
     .json = [](const Source& source) -> std::function<void(JsonWriter&)> {
-      return [file = buildFile(source)](JsonWriter& json) {
+      return [file = ide::buildFile(source.buffer())](JsonWriter& json) {
         json.key("ast").beginArray();
         JsonSink sink(json);
         dumpFile(sink, file);

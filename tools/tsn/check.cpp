@@ -1,12 +1,12 @@
 // tsn check: what is wrong with files.
 
+#include "tessarin/ide/Stages.hpp"
+
 #include "CheckFormat.hpp"
 #include "Command.hpp"
-#include "FileWalk.hpp"
 #include "InOrder.hpp"
 #include "Outcome.hpp"
 #include "Printable.hpp"
-#include "SetupFunction.hpp"
 #include "Source.hpp"
 #include "SourceFiles.hpp"
 
@@ -45,7 +45,7 @@ CheckedFile check(const std::string& path) {
   file.failure = observe([&](const nvf::Message& message) { file.warnings.emplace_back(message); },
                          [&] {
                            file.source = Source::read(path);
-                           static_cast<void>(setupFunctionOf(buildFile(*file.source)));
+                           static_cast<void>(ide::setupFunctionOf(ide::buildFile(file.source->buffer())));
                          });
   return file;
 }

@@ -2,10 +2,12 @@
 
 #include "Digest.hpp"
 
+#include "tessarin/ide/FileWalk.hpp"
+#include "tessarin/ide/Stages.hpp"
+
 #include "Command.hpp"
 #include "Dump.hpp"
 #include "FileCommand.hpp"
-#include "FileWalk.hpp"
 #include "Printable.hpp"
 
 #include <vector>
@@ -18,12 +20,12 @@ namespace {
 
 /// The expressions that stand in no other one, in the order of `walk`.
 std::vector<core::Expr> expressionsOf(const Source& source) {
-  struct Collector final : FileVisitor {
+  struct Collector final : ide::FileVisitor {
     std::vector<core::Expr> found;
     void expression(const core::Expr& expr) override { found.push_back(expr); }
   };
   Collector collector;
-  walk(buildFile(source), collector);
+  ide::walk(ide::buildFile(source.buffer()), collector);
   return std::move(collector.found);
 }
 

@@ -1,11 +1,12 @@
 // tsn outline: what a file declares.
 
+#include "tessarin/ide/FileWalk.hpp"
+#include "tessarin/ide/Stages.hpp"
 #include "tessarin/packages/ModelFile.hpp"
 #include "tessarin/packages/TSNFunctionFile.hpp"
 
 #include "Command.hpp"
 #include "FileCommand.hpp"
-#include "FileWalk.hpp"
 #include "Printable.hpp"
 
 #include <map>
@@ -50,7 +51,7 @@ Entry entryOf(const core::Ident& ident) {
 }
 
 /// Gathers the members of a model by kind.
-class MemberCollector : public FileVisitor {
+class MemberCollector : public ide::FileVisitor {
 public:
   void declarations(const core::DeclarationBlock& block) override {
     std::vector<Entry>& entries = members_[block.type()];
@@ -106,10 +107,10 @@ struct MainPart {
 };
 
 Outline outlineOf(const Source& source) {
-  const core::TSNFile file = buildFile(source);
+  const core::TSNFile file = ide::buildFile(source.buffer());
   Outline outline;
   MemberCollector members;
-  walk(file, members);
+  ide::walk(file, members);
   outline.members = members.take();
   std::visit(
       [&outline](const auto& kind) {

@@ -1,11 +1,11 @@
 // tsn print: a file as the library writes it.
 
+#include "tessarin/ide/Stages.hpp"
 #include "tessarin/packages/ModelFile.hpp"
 #include "tessarin/packages/TSNFunctionFile.hpp"
 
 #include "Command.hpp"
 #include "FileCommand.hpp"
-#include "FileWalk.hpp"
 
 #include <variant>
 
@@ -14,7 +14,7 @@ namespace tessarin::tool {
 namespace {
 
 nvf::ustring printed(const Source& source) {
-  return std::visit([](const auto& file) { return file.string(0, 2); }, buildFile(source));
+  return std::visit([](const auto& file) { return file.string(0, 2); }, ide::buildFile(source.buffer()));
 }
 
 constexpr FileAnswer printAnswer{

@@ -1,9 +1,9 @@
 // tsn setup: the setup function of a file.
 
+#include "tessarin/ide/Stages.hpp"
+
 #include "Command.hpp"
 #include "FileCommand.hpp"
-#include "FileWalk.hpp"
-#include "SetupFunction.hpp"
 
 #include <optional>
 #include <sstream>
@@ -18,10 +18,10 @@ namespace {
 constexpr FileAnswer setupAnswer{
     .text =
         [](const Source& source, std::ostream& stream) {
-          if (const auto stmt = setupFunctionOf(buildFile(source))) out(stream, *stmt, 0);
+          if (const auto stmt = ide::setupFunctionOf(ide::buildFile(source.buffer()))) out(stream, *stmt, 0);
         },
     .json = [](const Source& source) -> std::function<void(JsonWriter&)> {
-      const std::optional<SimpleSetupStmt> stmt = setupFunctionOf(buildFile(source));
+      const std::optional<SimpleSetupStmt> stmt = ide::setupFunctionOf(ide::buildFile(source.buffer()));
       if (!stmt) return [](JsonWriter& json) { json.key("none").raw("true"); };
       std::ostringstream stream;
       out(stream, *stmt, 0);

@@ -1,10 +1,11 @@
 // tsn uses: what the equations of a file use.
 
+#include "tessarin/ide/FileWalk.hpp"
+#include "tessarin/ide/Stages.hpp"
 #include "tessarin/parser/ast/Usage.hpp"
 
 #include "Command.hpp"
 #include "FileCommand.hpp"
-#include "FileWalk.hpp"
 #include "Printable.hpp"
 
 #include <algorithm>
@@ -39,7 +40,7 @@ Row rowOf(const core::Expr& expr) {
 }
 
 std::vector<Row> rowsOf(const Source& source) {
-  struct Collector final : FileVisitor {
+  struct Collector final : ide::FileVisitor {
     std::vector<Row> rows;
     void equation(const core::EqnItem& item) override {
       if (const auto* expr = item.getIf<core::Expr>()) {
@@ -52,7 +53,7 @@ std::vector<Row> rowsOf(const Source& source) {
     }
   };
   Collector collector;
-  walk(buildFile(source), collector);
+  ide::walk(ide::buildFile(source.buffer()), collector);
   return std::move(collector.rows);
 }
 

@@ -1,16 +1,22 @@
-#include "SetupFunction.hpp"
+#include "tessarin/ide/Stages.hpp"
 
 #include "tessarin/foundation/messages.hpp"
 #include "tessarin/packages/ModelFile.hpp"
 #include "tessarin/packages/TSNFunctionFile.hpp"
+#include "tessarin/parser/parse/Parser.hpp"
 #include "tessarin/parser/setup/SetupConversion.hpp"
 
 #include <variant>
 #include <vector>
 
-namespace tessarin::tool {
+namespace tessarin::ide {
 
 using namespace compiler::core;
+
+TSNFile buildFile(const nvf::SourceBuffer& source) {
+  const ASTBuilder builder(nvf::DefaultValueTokensToValue{});
+  return builder.buildTSNFile(Parser(source).parse(), FileSource::open);
+}
 
 namespace {
 
@@ -42,4 +48,4 @@ std::optional<SimpleSetupStmt> setupFunctionOf(const TSNFile& file) {
   return to_simple_setup_stmt(modelFile->model().setupFunctionParseTree(), findDiagnostic);
 }
 
-} // namespace tessarin::tool
+} // namespace tessarin::ide

@@ -1,24 +1,17 @@
-#include "FileWalk.hpp"
+#include "tessarin/ide/FileWalk.hpp"
 
 #include "tessarin/foundation/stack.hpp"
 #include "tessarin/packages/ModelFile.hpp"
 #include "tessarin/packages/TSNFunctionFile.hpp"
-#include "tessarin/parser/parse/Parser.hpp"
 
 #include <type_traits>
 #include <variant>
 
-namespace tessarin::tool {
+namespace tessarin::ide {
 
 using namespace compiler::core;
 
 FileVisitor::~FileVisitor() = default;
-
-TSNFile buildFile(const Source& source) {
-  // Values are read back as values, so that a printed file prints the same again.
-  const ASTBuilder builder(nvf::DefaultValueTokensToValue{});
-  return builder.buildTSNFile(Parser(source.buffer()).parse(), FileSource::open);
-}
 
 namespace {
 
@@ -193,4 +186,4 @@ void walk(const TSNFile& file, FileVisitor& visitor) {
   std::visit([&visitor](const auto& kind) { Walker(visitor).walk(kind); }, file);
 }
 
-} // namespace tessarin::tool
+} // namespace tessarin::ide

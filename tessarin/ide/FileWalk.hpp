@@ -1,17 +1,13 @@
 // What a whole file holds, in one fixed order.
 #pragma once
 
+#include "tessarin/export.hpp"
 #include "tessarin/parser/builder/ASTBuilder.hpp"
 
-#include "Source.hpp"
+namespace tessarin::ide {
 
-namespace tessarin::tool {
-
-/// Takes a source through all stages up to the syntax tree. Throws the first fault.
-compiler::core::TSNFile buildFile(const Source& source);
-
-/// Sees what `walk` comes by.
-class FileVisitor {
+/// Sees what `walk` comes by. Each member does nothing unless it is overridden.
+class TESSARIN_EXPORT FileVisitor {
 public:
   FileVisitor() = default;
   FileVisitor(const FileVisitor&) = delete;
@@ -30,7 +26,7 @@ public:
 /// Shows a file to the visitor. First comes the model: its attributes, the arguments of its base class, each with its
 /// name before its value, and its sections, kind by kind as they are stored; or else the function. The local functions
 /// come last, in order of name. The attributes of a block come before what it holds, the annotations of a list of
-/// sections behind the rest of it.
-void walk(const compiler::core::TSNFile& file, FileVisitor& visitor);
+/// sections behind the rest of it. What the visitor throws passes through. Safe from any thread.
+TESSARIN_EXPORT void walk(const compiler::core::TSNFile& file, FileVisitor& visitor);
 
-} // namespace tessarin::tool
+} // namespace tessarin::ide
