@@ -184,7 +184,7 @@ TESSARIN_EXPORT std::optional<ArrayType> array_type(std::string_view userName);
 /// A dense array. Copies share the elements. Two doubles are equal here if they have the same bits, or are both NaN. An
 /// array that has been moved from can only be destroyed or assigned to.
 template <ArrayElement T>
-class Array {
+class Array : public detail::OrderingOperators<Array<T>> {
 public:
   /// As the standard library names them. Iterators are pointers, and the sequence cannot be changed through them.
   /// @{
@@ -257,5 +257,12 @@ private:
   ArraySize size_;
   Expressions<T> elements_;
 };
+
+template <>
+inline constexpr bool hashesByValue<ArraySize> = true;
+template <>
+inline constexpr bool hashesByValue<ArrayType> = true;
+template <class T>
+inline constexpr bool hashesByValue<Array<T>> = true;
 
 } // namespace nvf

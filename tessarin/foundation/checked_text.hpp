@@ -5,12 +5,13 @@
 #include "tessarin/foundation/table_string.hpp"
 #include "tessarin/foundation/text.hpp"
 
+#include <algorithm>
 #include <compare>
 #include <concepts>
 #include <cstddef>
-#include <functional>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 namespace nvf {
 
@@ -40,6 +41,14 @@ public:
   friend std::strong_ordering operator<=>(const CheckedText& a, const CheckedText& b) noexcept {
     return a == b ? std::strong_ordering::equal : a.view() <=> b.view();
   }
+  /// Comparison with plain text: narrow text is compared byte by byte.
+  /// @{
+  friend bool operator==(const CheckedText& a, ustring_view b) noexcept { return a.view() == b; }
+  friend bool operator==(const CheckedText& a, std::string_view b) noexcept {
+    return std::equal(a.data(), a.data() + a.size(), b.begin(), b.end(),
+                      [](char16_t x, char y) { return x == static_cast<unsigned char>(y); });
+  }
+  /// @}
   friend Ordering compare(const CheckedText& a, const CheckedText& b) noexcept { return order(a, b); }
   friend std::size_t hash_value(const CheckedText& t) noexcept { return t.text_.hash(); }
   /// Feeds one byte a character, all as one piece.
@@ -60,12 +69,8 @@ private:
   Text text_;
 };
 
-} // namespace nvf
-
-/// @cond
 template <class T>
-requires std::derived_from<T, nvf::CheckedText<T>>
-struct std::hash<T> {
-  std::size_t operator()(const T& t) const noexcept { return hash_value(t); }
-};
-/// @endcond
+requires std::derived_from<T, CheckedText<T>>
+inline constexpr bool hashesByValue<T> = true;
+
+} // namespace nvf

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tessarin/export.hpp"
+#include "tessarin/foundation/failure.hpp"
 #include "tessarin/foundation/location.hpp"
 
 #include <exception>
@@ -13,7 +14,7 @@
 namespace nvf {
 
 /// The base of the library's exceptions. Whoever passes one on may note on its stack where it came from.
-class TESSARIN_EXPORT Exception : public std::exception {
+class TESSARIN_EXPORT Exception : public std::exception, public Failure {
 public:
   Exception() = default;
   /// With the text that `what()` gives.

@@ -33,6 +33,24 @@ constexpr std::uint64_t hash_combine(std::uint64_t seed, std::uint64_t k) noexce
   return seed + 0xe6546b64U;
 }
 
+namespace detail {
+/// Derives `<`, `>`, `<=` and `>=` of `T` from `compare`.
+template <class T>
+class OrderingOperators {
+  friend std::weak_ordering operator<=>(const T& a, const T& b) {
+    const Ordering result = compare(a, b);
+    return result == Ordering::Equal  ? std::weak_ordering::equivalent
+           : result == Ordering::Less ? std::weak_ordering::less
+                                      : std::weak_ordering::greater;
+  }
+};
+} // namespace detail
+
+/// Whether `std::hash<T>` exists and is `hash_value`. Each class whose values can be hashed says so beside itself, so
+/// that values are keys of `std::unordered_map` and members of `std::unordered_set`.
+template <class T>
+inline constexpr bool hashesByValue = false;
+
 /// Receives the canonical bytes of a value, piece by piece, on their way into a digest. The stream does not depend on
 /// the machine, on addresses or on hashes.
 using DigestSink = std::function<void(const char*, unsigned long)>;
@@ -46,6 +64,14 @@ void feed_bytes(DigestSink& sink, std::uint64_t value) {
 }
 
 } // namespace nvf
+
+/// @cond
+template <class T>
+requires nvf::hashesByValue<T>
+struct std::hash<T> {
+  std::size_t operator()(const T& value) const { return hash_value(value); }
+};
+/// @endcond
 
 namespace tessarin::compiler::core {
 using nvf::DigestSink;

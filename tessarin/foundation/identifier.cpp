@@ -30,6 +30,15 @@ std::string quoted(ustring_view text, const char* fault) {
 
 } // namespace
 
+CxId::CxId(ustring_view text) : CxId(detail::CxIdCheck()(text)) {}
+CxId::CxId(std::string_view text) : CxId(detail::CxIdCheck()(text.data(), text.size())) {}
+std::optional<CxId> CxId::make(ustring_view text) {
+  return is_identifier(text) ? std::optional(CxId(Text(text))) : std::nullopt;
+}
+std::optional<CxId> CxId::make(std::string_view text) {
+  return make(widen(text));
+}
+
 InvalidCxId::InvalidCxId(ustring_view text) : Exception(quoted(text, "is not an identifier.")) {}
 
 IdPathTooShort::IdPathTooShort(unsigned long actual, unsigned long minimum)

@@ -68,6 +68,16 @@ struct MessageIdCheck;
 class CxId : public CheckedText<CxId> {
 public:
   CxId() noexcept = default;
+  /// The identifier of this text. Throws `InvalidCxId` where the text is none.
+  /// @{
+  TESSARIN_EXPORT explicit CxId(ustring_view text);
+  TESSARIN_EXPORT explicit CxId(std::string_view text);
+  /// @}
+  /// The same, or nothing where the text is none.
+  /// @{
+  TESSARIN_EXPORT static std::optional<CxId> make(ustring_view text);
+  TESSARIN_EXPORT static std::optional<CxId> make(std::string_view text);
+  /// @}
 
 private:
   friend struct detail::CxIdCheck;
@@ -100,7 +110,7 @@ TESSARIN_EXPORT ustring join_ids(const Expressions<CxId>& ids);
 /// A dotted path of at least `minimum` names. Copies share the names. Constructors throw `IdPathTooShort` where there
 /// are too few, and `InvalidCxId` where a name in a text is no identifier.
 template <std::size_t minimum>
-class BasicCxIdPath {
+class BasicCxIdPath : public detail::OrderingOperators<BasicCxIdPath<minimum>> {
 public:
   /// As the standard library names them. Iterators are pointers, and the sequence cannot be changed through them.
   /// @{
@@ -152,6 +162,11 @@ public:
   friend std::size_t hash_value(const BasicCxIdPath& path) { return hash_value(path.ids_); }
   friend void incorporate_data(DigestSink& sink, const BasicCxIdPath& path) { incorporate_data(sink, path.ids_); }
   friend void swap(BasicCxIdPath& a, BasicCxIdPath& b) noexcept { swap(a.ids_, b.ids_); }
+  /// Comparison with a dotted text.
+  /// @{
+  friend bool operator==(const BasicCxIdPath& a, ustring_view b) { return a.string() == b; }
+  friend bool operator==(const BasicCxIdPath& a, std::string_view b) { return narrow(a.string()) == b; }
+  /// @}
   friend std::ostream& operator<<(std::ostream& stream, const BasicCxIdPath& path) {
     return stream << narrow(path.string());
   }
@@ -160,6 +175,9 @@ public:
 private:
   Expressions<CxId> ids_;
 };
+
+template <std::size_t minimum>
+inline constexpr bool hashesByValue<BasicCxIdPath<minimum>> = true;
 
 /// The path of something that has a name.
 using CxIdPath = BasicCxIdPath<1>;

@@ -5,7 +5,7 @@
 
 namespace nvf {
 
-LineColumn::ValueTooLarge::ValueTooLarge() : std::overflow_error("line or column too large") {}
+LineColumn::ValueTooLarge::ValueTooLarge() : StandardFailure("line or column too large") {}
 
 Ordering compare(const Location& a, const Location& b) noexcept {
   const Ordering byFile = compare(a.fileName_, b.fileName_);
@@ -25,8 +25,27 @@ void incorporate_data(DigestSink& sink, const Location& l) {
 std::ostream& operator<<(std::ostream& stream, const Location& l) {
   stream << '(';
   if (!l.fileName_.empty()) stream << l.fileName_.native().view() << ':';
+  return stream << l.lineColumn_ << ')';
+}
+
+std::ostream& operator<<(std::ostream& stream, const FileName& f) {
+  return stream << f.native_.view();
+}
+
+std::ostream& operator<<(std::ostream& stream, const LineColumn& p) {
   // Through strings: a locale of the stream's must not group the digits.
-  return stream << std::to_string(l.lineColumn_.line() + 1) << ':' << std::to_string(l.lineColumn_.column() + 1) << ')';
+  return stream << std::to_string(p.line() + 1) << ':' << std::to_string(p.column() + 1);
+}
+
+std::ostream& operator<<(std::ostream& stream, const Range& r) {
+  stream << '(';
+  if (!r.begin_.fileName().empty()) stream << r.begin_.fileName() << ':';
+  return stream << r.begin_.lineColumn() << '-' << r.end_.lineColumn() << ')';
+}
+
+Ordering compare(const Range& a, const Range& b) noexcept {
+  const Ordering begin = compare(a.begin_, b.begin_);
+  return begin == Ordering::Equal ? compare(a.end_, b.end_) : begin;
 }
 
 Range Range::operator+(const Range& other) const noexcept {

@@ -9,18 +9,20 @@
 #include "tessarin/foundation/table_string.hpp"
 #include "tessarin/foundation/text.hpp"
 
+#include <concepts>
 #include <cstdint>
 #include <filesystem>
 #include <iosfwd>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace nvf {
 
 /// A handle on the path of a source file, one pointer wide; equal paths share one text. The default is the empty path.
-class TESSARIN_EXPORT FileName {
+class TESSARIN_EXPORT FileName : public detail::OrderingOperators<FileName> {
 public:
   FileName() noexcept = default;
   /// Keeps the bytes of the path as they are.
@@ -36,10 +38,12 @@ public:
   [[nodiscard]] const BasicTableString<char>& native() const noexcept { return native_; }
   /// @}
 
-  friend bool operator==(const FileName&, const FileName&) noexcept = default;
+  friend bool operator==(const FileName& a, const FileName& b) noexcept { return a.native_ == b.native_; }
   friend Ordering compare(const FileName& a, const FileName& b) noexcept { return a.native_.compare_(b.native_); }
   friend std::size_t hash_value(const FileName& f) noexcept { return f.native_.hash(); }
   friend void swap(FileName& a, FileName& b) noexcept { swap(a.native_, b.native_); }
+  /// Writes the bytes of the path.
+  friend TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const FileName& f);
 
 private:
   BasicTableString<char> native_;
@@ -56,7 +60,7 @@ public:
   /// @}
 
   /// Thrown where a line or a column does not fit.
-  class TESSARIN_EXPORT ValueTooLarge : public std::overflow_error {
+  class TESSARIN_EXPORT ValueTooLarge : public StandardFailure<std::overflow_error> {
   public:
     ValueTooLarge();
   };
@@ -75,13 +79,18 @@ public:
 
   friend constexpr auto operator<=>(const LineColumn&, const LineColumn&) noexcept = default;
   friend constexpr Ordering compare(const LineColumn& a, const LineColumn& b) noexcept { return order(a, b); }
+  friend constexpr std::size_t hash_value(const LineColumn& p) noexcept {
+    return hash_combine(hash_combine(0, p.line()), p.column());
+  }
+  /// Writes `line:column`, both from 1.
+  friend TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const LineColumn& p);
 
 private:
   std::uint64_t packed_ = 0;
 };
 
 /// A place in a file, two words wide.
-class TESSARIN_EXPORT Location {
+class TESSARIN_EXPORT Location : public detail::OrderingOperators<Location> {
 public:
   Location() noexcept = default;
   /// A place in a file.
@@ -94,7 +103,9 @@ public:
   [[nodiscard]] const LineColumn& lineColumn() const noexcept { return lineColumn_; }
   /// @}
 
-  friend bool operator==(const Location&, const Location&) noexcept = default;
+  friend bool operator==(const Location& a, const Location& b) noexcept {
+    return a.fileName_ == b.fileName_ && a.lineColumn_ == b.lineColumn_;
+  }
   /// By file name, then by line and column.
   friend TESSARIN_EXPORT Ordering compare(const Location& a, const Location& b) noexcept;
   friend TESSARIN_EXPORT std::size_t hash_value(const Location& l) noexcept;
@@ -110,7 +121,7 @@ private:
 };
 
 /// A stretch of source text from the first unit to the place behind the last.
-class TESSARIN_EXPORT Range {
+class TESSARIN_EXPORT Range : public detail::OrderingOperators<Range> {
 public:
   Range() noexcept = default;
   /// The end is the place behind the last code unit. Nothing is checked.
@@ -126,7 +137,11 @@ public:
   /// left one to the end of the right one.
   [[nodiscard]] Range operator+(const Range& other) const noexcept;
 
-  friend bool operator==(const Range&, const Range&) noexcept = default;
+  friend bool operator==(const Range& a, const Range& b) noexcept { return a.begin_ == b.begin_ && a.end_ == b.end_; }
+  /// By begin, then by end.
+  friend TESSARIN_EXPORT Ordering compare(const Range& a, const Range& b) noexcept;
+  /// Writes `(path:line:column-line:column)`, the numbers from 1; without a path, `(line:column-line:column)`.
+  friend TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const Range& r);
   friend TESSARIN_EXPORT std::size_t hash_value(const Range& r) noexcept;
   /// Feeds the begin, then the end.
   friend TESSARIN_EXPORT void incorporate_data(DigestSink& sink, const Range& r);
@@ -136,6 +151,15 @@ private:
   Location begin_;
   Location end_;
 };
+
+template <>
+inline constexpr bool hashesByValue<FileName> = true;
+template <>
+inline constexpr bool hashesByValue<LineColumn> = true;
+template <>
+inline constexpr bool hashesByValue<Location> = true;
+template <>
+inline constexpr bool hashesByValue<Range> = true;
 
 /// An entry of an exception's stack.
 struct StackFrame {
@@ -178,6 +202,9 @@ public:
   /// Copies `text`.
   FileBuffer(FileName fileName, std::basic_string_view<CharT> text)
       : FileBuffer(fileName, std::make_shared<const Text>(text.begin(), text.end())) {}
+  /// Decodes UTF-8 text; throws `InvalidUtf8`.
+  FileBuffer(FileName fileName, std::string_view utf8) requires std::same_as<CharT, char16_t>
+      : FileBuffer(fileName, std::basic_string_view<CharT>(decode_utf8(utf8))) {}
 
   /// The code units live as long as the buffer or a copy of it, the reference to the file name as long as this buffer.
   /// @{

@@ -88,6 +88,18 @@ ustring file_line_column_message(const Location& location) {
   return file_line_message(location) + (location.fileName().empty() ? u", column " : u":") + column;
 }
 
+Failure::~Failure() = default;
+const Message* Failure::findMessage() const noexcept {
+  return nullptr;
+}
+const Location* Failure::findLocation() const noexcept {
+  return nullptr;
+}
+ustring Failure::text() const {
+  const Message* message = findMessage();
+  return message == nullptr ? utf8_string_to_ustring(what()) : message->text();
+}
+
 Exception::~Exception() = default;
 AttributedException::~AttributedException() = default;
 BadGet::~BadGet() = default;

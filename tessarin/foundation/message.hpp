@@ -116,6 +116,12 @@ public:
   [[nodiscard]] virtual std::unique_ptr<MessageException> clone() const;
   /// The text of the message.
   [[nodiscard]] ustring fullMessage() const;
+  /// The message.
+  [[nodiscard]] const Message* findMessage() const noexcept override { return &message_value_; }
+  /// The place of the message, or null.
+  [[nodiscard]] const Location* findLocation() const noexcept override {
+    return message_value_.location() ? &*message_value_.location() : nullptr;
+  }
 
 protected:
   /// Fill in the text that is shown.
@@ -149,6 +155,11 @@ public:
 
   /// The place as it stands in messages: file, line and, where it is shown, column, both from 1.
   static ustring loc2str(const Location& location, bool showColumn);
+  /// The message, and the place.
+  /// @{
+  [[nodiscard]] const Message* findMessage() const noexcept override { return &message_; }
+  [[nodiscard]] const Location* findLocation() const noexcept override { return &location_; }
+  /// @}
 
 private:
   Message message_;

@@ -352,19 +352,6 @@ struct TESSARIN_EXPORT Operations {
 /// Equality is that of the fields.
 struct NativeEquality {};
 
-namespace detail {
-/// Derives `<`, `>`, `<=` and `>=` of `T` from `compare`.
-template <class T>
-class OrderingOperators {
-  friend std::weak_ordering operator<=>(const T& a, const T& b) {
-    const Ordering result = compare(a, b);
-    return result == Ordering::Equal  ? std::weak_ordering::equivalent
-           : result == Ordering::Less ? std::weak_ordering::less
-                                      : std::weak_ordering::greater;
-  }
-};
-} // namespace detail
-
 /// Gives `T` its free functions, found by argument: all of them lead to `Operations<T>`.
 template <class T, class Equality>
 class Relatable : public detail::OrderingOperators<T> {
@@ -381,6 +368,10 @@ class Relatable : public detail::OrderingOperators<T> {
     b = std::move(former);
   }
 };
+
+template <class T>
+requires std::derived_from<T, Relatable<T, NativeEquality>>
+inline constexpr bool hashesByValue<T> = true;
 
 namespace detail {
 
@@ -400,6 +391,15 @@ template <class Last>
 inline constexpr bool endsWithRange<Last> = std::same_as<Last, IgnoreValue<Range>>;
 template <class First, class Second, class... Rest>
 inline constexpr bool endsWithRange<First, Second, Rest...> = endsWithRange<Second, Rest...>;
+
+/// Reaches the fields of a class for changing them: unshared, and with the hash forgotten. For code of this library
+/// that has made the object and shows it to nobody yet; to everyone else values do not change.
+struct OwnFields {
+  template <class T>
+  static auto& of(T& value) {
+    return value.ownFields();
+  }
+};
 
 /// What both forms of `TupleWrapper` offer on top of `tuple()`.
 template <class T, class... Fields>
@@ -421,9 +421,21 @@ public:
     value.location();
   }
   { return static_cast<const Self&>(*this).location().lineColumn().line(); }
+  /// A copy at another place, which is no part of the value.
+  [[nodiscard]] T withRange(const Range& range) const requires endsWithRange<Fields...> {
+    return with<sizeof...(Fields) - 1>(range);
+  }
 
 protected:
   TupleAccess() = default;
+
+  /// A copy with another value in the `I`-th field. Everything else is shared with this object.
+  template <std::size_t I, class Value>
+  [[nodiscard]] T with(Value&& value) const {
+    T copy(static_cast<const T&>(*this));
+    std::get<I>(OwnFields::of(copy)) = std::forward<Value>(value);
+    return copy;
+  }
 
   /// The `I`-th field; of an ignored one, the value in it.
   template <std::size_t I>
@@ -450,6 +462,7 @@ protected:
 
 private:
   friend struct Operations<T>;
+  friend struct detail::OwnFields;
   [[nodiscard]] const void* identity() const noexcept { return nullptr; }
   [[nodiscard]] std::size_t cachedHash() const noexcept { return 0; }
   void cacheHash(std::size_t) const noexcept {}
@@ -475,6 +488,7 @@ protected:
 
 private:
   friend struct Operations<T>;
+  friend struct detail::OwnFields;
 
   struct Block final : SharedBlock {
     std::tuple<Fields...> fields;
@@ -652,7 +666,7 @@ void Operations<T>::dump(DumpSink& sink, const T& value) {
 /// A shared value with copy-on-write, one pointer wide; it may be a field of a class on which `T` itself depends. Never
 /// empty but after it has been moved from, when it can only be destroyed or assigned to.
 template <class T>
-class Handle {
+class Handle : public detail::OrderingOperators<Handle<T>> {
 public:
   /// Holds a target of its own, copied or moved; a null pointer stands for the default target.
   /// @{
@@ -664,6 +678,11 @@ public:
 
   /// The target; it lives as long as a handle shares it.
   [[nodiscard]] const T& get() const noexcept { return block_->target; }
+  /// The same; unlike `get` of a handle that may be changed, they never copy.
+  /// @{
+  [[nodiscard]] const T& operator*() const noexcept { return block_->target; }
+  [[nodiscard]] const T* operator->() const noexcept { return &block_->target; }
+  /// @}
   /// The target for changing it: it is copied first where other handles share it.
   [[nodiscard]] T& get() { return block_.unshared().target; }
 
@@ -687,6 +706,8 @@ private:
   };
   SharedPtr<Block> block_;
 };
+template <class T>
+inline constexpr bool hashesByValue<Handle<T>> = true;
 
 } // namespace nvf
 

@@ -142,6 +142,16 @@ ustring number_text(unsigned long number) {
   return shortestText(number);
 }
 
+NumberString::NumberString(ustring_view text) : NumberString(detail::NumberStringCheck()(text)) {}
+NumberString::NumberString(std::string_view text)
+    : NumberString(detail::NumberStringCheck()(text.data(), text.size())) {}
+std::optional<NumberString> NumberString::make(ustring_view text) {
+  return is_number(text) ? std::optional(NumberString(Text(text))) : std::nullopt;
+}
+std::optional<NumberString> NumberString::make(std::string_view text) {
+  return make(widen(text));
+}
+
 namespace detail {
 
 NumberString NumberStringCheck::operator()(BasicTableString<char16_t> text) const {

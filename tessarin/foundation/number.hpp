@@ -64,6 +64,17 @@ public:
   explicit NumberString(unsigned long number) : NumberString(Text(number_text(number))) {}
   /// @}
 
+  /// The number that is written like this. Throws `InvalidNumberString` where the text is none.
+  /// @{
+  explicit NumberString(ustring_view text);
+  explicit NumberString(std::string_view text);
+  /// @}
+  /// The same, or nothing where the text is none.
+  /// @{
+  static std::optional<NumberString> make(ustring_view text);
+  static std::optional<NumberString> make(std::string_view text);
+  /// @}
+
   /// The `to_number` of the text: ask `isImaginary` where that makes a difference.
   [[nodiscard]] double number() const { return to_number(view()); }
   /// Whether the text ends with the suffix "i" or "j".

@@ -12,9 +12,9 @@
 namespace nvf {
 
 /// Thrown where a number that must be positive is not.
-class TESSARIN_EXPORT NonPositiveValueFound : public std::logic_error {
+class TESSARIN_EXPORT NonPositiveValueFound : public StandardFailure<std::logic_error> {
 public:
-  NonPositiveValueFound() : std::logic_error("non-positive value found where a positive value was expected.") {}
+  NonPositiveValueFound() : StandardFailure("non-positive value found where a positive value was expected.") {}
 };
 
 /// A whole number from 1 on.
@@ -47,5 +47,8 @@ public:
 private:
   T value_;
 };
+
+template <class T>
+inline constexpr bool hashesByValue<Positive<T>> = true;
 
 } // namespace nvf

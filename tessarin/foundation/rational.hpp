@@ -89,4 +89,7 @@ private:
   std::int32_t denominator_ = 1;
 };
 
+template <>
+inline constexpr bool hashesByValue<Rational> = true;
+
 } // namespace nvf

@@ -20,7 +20,7 @@ namespace nvf {
 /// A sequence of `T`, one pointer wide; copying it copies the pointer. The empty sequence needs no memory, any other
 /// one piece of it. A sequence may be a member of its own element type. One that has been moved from is empty.
 template <class T>
-class Expressions {
+class Expressions : public detail::OrderingOperators<Expressions<T>> {
 public:
   /// As the standard library names them. Iterators are pointers, and the sequence cannot be changed through them.
   /// @{
@@ -133,7 +133,7 @@ public:
 
 /// A sequence with at least one element. One that has been moved from can only be destroyed or assigned to.
 template <class T>
-class Expressions1 {
+class Expressions1 : public detail::OrderingOperators<Expressions1<T>> {
 public:
   /// As the standard library names them. Iterators are pointers, and the sequence cannot be changed through them.
   /// @{
@@ -183,5 +183,10 @@ public:
 private:
   Expressions<T> elements_;
 };
+
+template <class T>
+inline constexpr bool hashesByValue<Expressions<T>> = true;
+template <class T>
+inline constexpr bool hashesByValue<Expressions1<T>> = true;
 
 } // namespace nvf

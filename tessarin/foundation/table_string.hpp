@@ -37,7 +37,7 @@ inline constexpr CharT emptyText[1]{};
 
 /// An interned string of `char16_t` or `char`.
 template <class CharT>
-class BasicTableString {
+class BasicTableString : public detail::OrderingOperators<BasicTableString<CharT>> {
 public:
   /// As the standard library names them.
   /// @{
@@ -85,9 +85,7 @@ public:
   }
 
   friend bool operator==(const BasicTableString& a, const BasicTableString& b) noexcept { return a.equal_(b); }
-  friend bool operator==(const BasicTableString& a, const std::basic_string<CharT>& b) noexcept {
-    return a.view() == b;
-  }
+  friend bool operator==(const BasicTableString& a, view_type b) noexcept { return a.view() == b; }
   friend Ordering compare(const BasicTableString& a, const BasicTableString& b) noexcept { return a.compare_(b); }
   friend std::size_t hash_value(const BasicTableString& s) noexcept { return s.hash(); }
   friend void swap(BasicTableString& a, BasicTableString& b) noexcept { std::swap(a.entry_, b.entry_); }
@@ -98,11 +96,7 @@ private:
 
 static_assert(sizeof(BasicTableString<char16_t>) == sizeof(void*));
 
-} // namespace nvf
-
-/// @cond
 template <class CharT>
-struct std::hash<nvf::BasicTableString<CharT>> {
-  std::size_t operator()(const nvf::BasicTableString<CharT>& s) const noexcept { return s.hash(); }
-};
-/// @endcond
+inline constexpr bool hashesByValue<BasicTableString<CharT>> = true;
+
+} // namespace nvf

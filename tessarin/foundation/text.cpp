@@ -115,7 +115,7 @@ void requireAscii(const Text& text) {
 } // namespace
 
 InvalidUtf8::InvalidUtf8(std::size_t offset)
-    : std::runtime_error("invalid UTF-8 at byte " + std::to_string(offset)), offset_(offset) {}
+    : StandardFailure("invalid UTF-8 at byte " + std::to_string(offset)), offset_(offset) {}
 
 ustring decode_utf8(std::string_view bytes) {
   return decode(bytes, [](std::size_t offset) { throw InvalidUtf8(offset); });
@@ -185,7 +185,7 @@ void setup_stream_locale(std::basic_ostringstream<char16_t>& stream) {
 }
 
 NotAscii::NotAscii(std::size_t offset)
-    : std::invalid_argument("text is not ASCII at position " + std::to_string(offset)), offset_(offset) {}
+    : StandardFailure("text is not ASCII at position " + std::to_string(offset)), offset_(offset) {}
 
 AsciiString detail::AsciiStringCheck::operator()(ustring text) const {
   requireAscii(text);

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "tessarin/export.hpp"
+#include "tessarin/foundation/failure.hpp"
 #include "tessarin/foundation/hash.hpp"
 
 #include <cstddef>
@@ -30,7 +31,7 @@ TESSARIN_EXPORT std::size_t hash_value(ustring_view text) noexcept;
 TESSARIN_EXPORT void incorporate_data(DigestSink& sink, ustring_view text);
 
 /// Thrown by `decode_utf8` for bytes that are not UTF-8.
-class TESSARIN_EXPORT InvalidUtf8 : public std::runtime_error {
+class TESSARIN_EXPORT InvalidUtf8 : public StandardFailure<std::runtime_error> {
 public:
   /// With the offset in bytes, from 0.
   explicit InvalidUtf8(std::size_t offset);
@@ -78,7 +79,7 @@ TESSARIN_EXPORT std::string lower(const std::string& text);
 TESSARIN_EXPORT void setup_stream_locale(std::basic_ostringstream<char16_t>& stream);
 
 /// Thrown where text that must be ASCII is not.
-class TESSARIN_EXPORT NotAscii : public std::invalid_argument {
+class TESSARIN_EXPORT NotAscii : public StandardFailure<std::invalid_argument> {
 public:
   /// With the offset, from 0.
   explicit NotAscii(std::size_t offset);

@@ -217,6 +217,25 @@ RawExpr to_raw_expr(const Factors& factors) {
   return expr;
 }
 
+ExprString::ExprString(ustring_view text) : ExprString(detail::CheckExprString()(text)) {}
+ExprString::ExprString(std::string_view text) : ExprString(detail::CheckExprString()(text.data(), text.size())) {}
+std::optional<ExprString> ExprString::make(ustring_view text) {
+  try {
+    return ExprString(text);
+  } catch (const InvalidUnitExpression&) {
+    return std::nullopt;
+  }
+}
+std::optional<ExprString> ExprString::make(std::string_view text) {
+  return make(widen(text));
+}
+std::optional<UnitsExpr> UnitsExpr::make(ustring_view text) {
+  const std::optional<ExprString> checked = ExprString::make(text);
+  return checked ? std::optional(UnitsExpr(*checked)) : std::nullopt;
+}
+std::optional<UnitsExpr> UnitsExpr::make(std::string_view text) {
+  return make(widen(text));
+}
 ExprString::ExprString(const RawExpr& expr) : ExprString(Text(textOf(expr))) {}
 
 namespace detail {

@@ -21,7 +21,9 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace nvf {
@@ -64,6 +66,16 @@ class TESSARIN_EXPORT ExprString : public CheckedText<ExprString> {
 public:
   /// The text that is read as this product, such as "kg*m/(K*s^2)".
   explicit ExprString(const RawExpr& expr);
+  /// The unit that is written like this. Throws `InvalidUnitExpression` where the text is none.
+  /// @{
+  explicit ExprString(ustring_view text);
+  explicit ExprString(std::string_view text);
+  /// @}
+  /// The same, or nothing where the text is none.
+  /// @{
+  static std::optional<ExprString> make(ustring_view text);
+  static std::optional<ExprString> make(std::string_view text);
+  /// @}
 
 private:
   friend struct detail::CheckExprString;
@@ -114,13 +126,23 @@ struct UnitsInfo {
 };
 
 /// A unit. Copies share their contents. The default is the unit 1.
-class TESSARIN_EXPORT UnitsExpr {
+class TESSARIN_EXPORT UnitsExpr : public detail::OrderingOperators<UnitsExpr> {
 public:
   UnitsExpr() noexcept = default;
   /// Throws `InvalidUnitExpression` where an exponent grows too large, which that of a checked text does not.
   explicit UnitsExpr(const UnitExpression& expression);
   /// Reads the text and goes on as the above; throws what reading or that throws, for a text made of a `RawExpr` only.
   explicit UnitsExpr(const ExprString& text) : UnitsExpr(UnitExpression(text)) {}
+  /// The unit of a text. Throws `InvalidUnitExpression` where the text is none.
+  /// @{
+  explicit UnitsExpr(ustring_view text) : UnitsExpr(ExprString(text)) {}
+  explicit UnitsExpr(std::string_view text) : UnitsExpr(ExprString(text)) {}
+  /// @}
+  /// The same, or nothing where the text is none.
+  /// @{
+  static std::optional<UnitsExpr> make(ustring_view text);
+  static std::optional<UnitsExpr> make(std::string_view text);
+  /// @}
   /// Throws `InvalidUnitExpression` where the context does not know a unit. Factors with exponent 0 do not count.
   UnitsExpr(const UnitContext& context, const Factors& factors);
 
@@ -145,11 +167,16 @@ public:
   friend TESSARIN_EXPORT void incorporate_data(DigestSink& sink, const UnitsExpr& unit);
   friend void swap(UnitsExpr& a, UnitsExpr& b) noexcept { a.info_.swap(b.info_); }
   friend ustring dump_text(const UnitsExpr& unit) { return unit.text().string(); }
+  /// Writes the text of the unit.
+  friend std::ostream& operator<<(std::ostream& stream, const UnitsExpr& unit) { return stream << unit.text(); }
 
 private:
   explicit UnitsExpr(Factors factors);
 
   std::shared_ptr<const UnitsInfo> info_; // null for the unit 1
 };
+
+template <>
+inline constexpr bool hashesByValue<UnitsExpr> = true;
 
 } // namespace nvf

@@ -13,7 +13,7 @@
 namespace nvf {
 
 /// An array of any built-in type of elements. Copies share the elements.
-class ValueData {
+class ValueData : public detail::OrderingOperators<ValueData> {
 public:
   /// Holds the array.
   template <ArrayElement T>
@@ -32,7 +32,7 @@ public:
     return std::visit(std::forward<Visitor>(visitor), array_);
   }
 
-  friend bool operator==(const ValueData&, const ValueData&) = default;
+  friend bool operator==(const ValueData& a, const ValueData& b) { return a.array_ == b.array_; }
   /// By the type of the elements, then by extents, then by elements.
   friend TESSARIN_EXPORT Ordering compare(const ValueData& a, const ValueData& b);
   friend TESSARIN_EXPORT std::size_t hash_value(const ValueData& data);
@@ -45,7 +45,7 @@ private:
 };
 
 /// Thrown where a constant is not of the type that it is asked for.
-class TESSARIN_EXPORT BadConstantAccess : public std::bad_variant_access {
+class TESSARIN_EXPORT BadConstantAccess : public StandardFailure<std::bad_variant_access> {
 public:
   /// "Unexpected index".
   [[nodiscard]] const char* what() const noexcept override { return "Unexpected index"; }
@@ -88,7 +88,7 @@ private:
 };
 
 /// An array with a unit.
-class Value {
+class Value : public detail::OrderingOperators<Value> {
 public:
   /// A constant and its unit.
   /// @{
@@ -102,7 +102,7 @@ public:
   [[nodiscard]] const UnitsExpr& unit() const noexcept { return unit_; }
   /// @}
 
-  friend bool operator==(const Value&, const Value&) = default;
+  friend bool operator==(const Value& a, const Value& b) { return a.data_ == b.data_ && a.unit_ == b.unit_; }
   /// By data, then by unit.
   friend TESSARIN_EXPORT Ordering compare(const Value& a, const Value& b);
   friend TESSARIN_EXPORT std::size_t hash_value(const Value& value);
@@ -115,6 +115,11 @@ private:
   ValueData data_;
   UnitsExpr unit_;
 };
+
+template <>
+inline constexpr bool hashesByValue<ValueData> = true;
+template <>
+inline constexpr bool hashesByValue<Value> = true;
 
 /// The data of a value, without its unit.
 TESSARIN_EXPORT Constant to_constant(const Value& value);

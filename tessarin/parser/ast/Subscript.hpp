@@ -125,6 +125,9 @@ TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const Arguments& 
 
 } // namespace tessarin::compiler::core
 
+template <>
+inline constexpr bool nvf::hashesByValue<tessarin::compiler::core::Subscript> = true;
+
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ParenSubs);
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IdParenSubs);
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::NamedArgument);

@@ -98,7 +98,7 @@ ToStringContext::UnitExprFcn make_error_always_unit_expr_fcn() {
 }
 
 UnexpectedUnitExpr::UnexpectedUnitExpr(const UnitExpr& expr)
-    : std::logic_error(
+    : StandardFailure(
           "UnexpectedUnitExpr: " +
           nvf::ustring_to_local_encoded_string((*ToStringContext::makeDefaultUnitExprFcn())(expr, ToStringContext()))),
       expr_(std::make_shared<const UnitExpr>(expr)) {}

@@ -129,7 +129,7 @@ TESSARIN_EXPORT ToStringContext::UnitExprFcn make_ctor_unit_expr_fcn(const nvf::
 TESSARIN_EXPORT ToStringContext::UnitExprFcn make_error_always_unit_expr_fcn();
 
 /// Thrown where an expression with a unit is printed and must not be.
-class TESSARIN_EXPORT UnexpectedUnitExpr : public std::logic_error {
+class TESSARIN_EXPORT UnexpectedUnitExpr : public nvf::StandardFailure<std::logic_error> {
 public:
   /// For the expression that must not be printed.
   explicit UnexpectedUnitExpr(const UnitExpr& expr);

@@ -14,7 +14,7 @@ namespace tessarin::compiler::core {
 
 /// A code, the text where that code keeps any, and the place of the first code unit. A plain value, without a pointer
 /// into the source.
-class TESSARIN_EXPORT Token {
+class TESSARIN_EXPORT Token : public nvf::detail::OrderingOperators<Token> {
 public:
   /// An interned text: equal texts share their code units.
   using Text = nvf::BasicTableString<char16_t>;
@@ -78,3 +78,6 @@ private:
 };
 
 } // namespace tessarin::compiler::core
+
+template <>
+inline constexpr bool nvf::hashesByValue<tessarin::compiler::core::Token> = true;

@@ -291,3 +291,6 @@ TESSARIN_EXPORT ustring dump_text(const ParseTree& tree);
 TESSARIN_EXPORT nvf::BasicCxIdPath<0> dot_path(const ParseTree& tree);
 
 } // namespace tessarin::compiler::core
+
+template <>
+inline constexpr bool nvf::hashesByValue<tessarin::compiler::core::ParseTree> = true;
