@@ -8,9 +8,12 @@
 
 namespace tessarin::compiler::core {
 
-/// Rebuilds a tree from the rewritten forms of its parts. The defaults are the identity; a subclass overrides what it
-/// wants to change. All recursion goes through the virtual `process` operations. Ranges and fields that are no nodes
-/// stay.
+/// Makes a tree of the rewritten forms of its parts. The defaults are the identity; a subclass overrides what it wants
+/// to change. All recursion goes through the virtual `process` operations. Ranges and fields that are no nodes stay.
+///
+/// A node whose parts all stay what they were is not made anew but shared with the tree that came in, so that a
+/// rewriting costs memory for what it changes and for what stands above that. `rewrite` of Rewrite.hpp takes a function
+/// where no subclass is needed.
 class TESSARIN_EXPORT ExprTransformVisitor : public boost::static_visitor<Expr> {
 public:
   ExprTransformVisitor() = default;
