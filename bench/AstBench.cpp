@@ -1,10 +1,12 @@
 // The services of the syntax tree on expressions of 1,000 to 1,000,000 nodes: copying, hashing, comparing, printing,
-// rewriting and visiting, in nodes a second, and the bytes that a node takes. A node is an expression.
+// rewriting and visiting, in nodes a second, and the bytes that a node takes. A node is an expression. And the names
+// in an expression, some of them made to collide.
 #include "tessarin/parser/ast/Expr.hpp"
 #include "tessarin/parser/ast/ExprTransformVisitor.hpp"
 #include "tessarin/parser/ast/Usage.hpp"
 
 #include "AllocationCount.hpp"
+#include "MadeNames.hpp"
 
 #include <benchmark/benchmark.h>
 
@@ -156,6 +158,17 @@ void visit(benchmark::State& state) {
   report(state);
 }
 
+/// The names in a row of as many variables.
+void usedNames(benchmark::State& state, std::vector<std::u16string> (*names)(std::size_t)) {
+  std::vector<Expr> row;
+  for (const std::u16string& name : names(static_cast<std::size_t>(state.range(0)))) {
+    row.emplace_back(Variable(nvf::detail::CxIdCheck()(nvf::ustring_view(name)), nvf::Range()));
+  }
+  const Expr matrix = MatrixExpr({row}, nvf::Range());
+  for (auto _ : state) benchmark::DoNotOptimize(used_ids(matrix).size());
+  report(state);
+}
+
 void sizes(benchmark::internal::Benchmark* benchmark) {
   benchmark->ArgName("nodes")->Unit(benchmark::kMicrosecond);
   for (int nodes = 1000; nodes <= 1'000'000; nodes *= 10) benchmark->Arg(nodes);
@@ -168,5 +181,9 @@ BENCHMARK(compareEqual)->Apply(sizes);
 BENCHMARK(print)->Apply(sizes);
 BENCHMARK(rewrite)->Apply(sizes);
 BENCHMARK(visit)->Apply(sizes);
+BENCHMARK_CAPTURE(usedNames, byChance, tessarin::bench::namesByChance)->RangeMultiplier(4)->Range(512, 32'768);
+BENCHMARK_CAPTURE(usedNames, madeToCollide, tessarin::bench::namesMadeToCollide)
+    ->RangeMultiplier(4)
+    ->Range(512, 32'768);
 
 } // namespace

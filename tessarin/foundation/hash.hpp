@@ -22,7 +22,7 @@ constexpr Ordering order(const T& a, const T& b) {
 }
 
 /// The 64-bit mixing step from which every hash of the library is made. It is written out here, and not taken from
-/// Boost, because hashes of trees are compared between builds against different versions of Boost.
+/// Boost, whose versions differ in it. What holds a name hashes differently in each process, see `BasicTableString`.
 constexpr std::uint64_t hash_combine(std::uint64_t seed, std::uint64_t k) noexcept {
   constexpr std::uint64_t m = 0xc6a4a7935bd1e995U;
   k *= m;

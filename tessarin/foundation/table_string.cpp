@@ -2,11 +2,15 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
+#include <cstdint>
 #include <cstring>
+#include <exception>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <new>
+#include <random>
 #include <string_view>
 #include <vector>
 
@@ -14,18 +18,51 @@ namespace nvf::detail {
 
 namespace {
 
-/// Mixes the text eight bytes at a time, with a short step, since most texts are short names; `hash_combine` at the end
-/// spreads what the steps have left in the upper half. The length goes into the seed, so that the padding of the last
-/// word is harmless.
+/// Two numbers that nobody outside the process knows. Whoever writes text cannot make names that collide without them.
+struct Secret {
+  std::uint64_t first;
+  std::uint64_t second;
+
+  static Secret make() {
+    // Where the system has no random numbers to give, where it has put the process and the time are all there is.
+    std::uint64_t a = reinterpret_cast<std::uintptr_t>(&make);
+    auto b = static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
+    try {
+      std::random_device device;
+      const auto draw = [&device] { return static_cast<std::uint64_t>(device()) << 32U ^ device(); };
+      a = hash_combine(a, draw());
+      b = hash_combine(b, draw());
+    } catch (const std::exception&) {
+      a = hash_combine(a, b);
+    }
+    return {hash_combine(1, a), hash_combine(2, b)};
+  }
+};
+
+/// Both halves of the product of two numbers, one upon the other: each bit of the result depends on all bits of both.
+std::uint64_t fold(std::uint64_t a, std::uint64_t b) noexcept {
+#ifdef __SIZEOF_INT128__
+  __extension__ using Wide = unsigned __int128;
+  const Wide product = static_cast<Wide>(a) * b;
+  return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
+#else
+  const std::uint64_t half = 0xffffffffU;
+  const std::uint64_t low = (a & half) * (b & half);
+  const std::uint64_t left = (a >> 32U) * (b & half) + (low >> 32U);
+  const std::uint64_t right = (a & half) * (b >> 32U) + (left & half);
+  return ((right << 32U) | (low & half)) ^ ((a >> 32U) * (b >> 32U) + (left >> 32U) + (right >> 32U));
+#endif
+}
+
+/// Mixes the text eight bytes at a time, with a short step, since most texts are short names. The length goes into the
+/// seed, so that the padding of the last word is harmless.
 template <class CharT>
-std::size_t hashText(const CharT* text, std::size_t size) noexcept {
-  constexpr std::uint64_t multiplier = 0x9e3779b97f4a7c15U;
+std::size_t hashText(const Secret& secret, const CharT* text, std::size_t size) noexcept {
   std::size_t bytes = size * sizeof(CharT);
   const char* p = reinterpret_cast<const char*>(text);
-  std::uint64_t seed = bytes;
-  const auto mix = [&seed](std::uint64_t word) {
-    seed = (seed ^ word) * multiplier;
-    seed ^= seed >> 32U;
+  std::uint64_t seed = secret.first ^ bytes;
+  const auto mix = [&seed, &secret](std::uint64_t word) {
+    seed = fold(seed ^ word, secret.second | 1U) + secret.first;
   };
   std::uint64_t word = 0;
   for (; bytes >= sizeof word; bytes -= sizeof word, p += sizeof word) {
@@ -37,7 +74,7 @@ std::size_t hashText(const CharT* text, std::size_t size) noexcept {
     std::memcpy(&word, p, bytes);
     mix(word);
   }
-  return hash_combine(0, seed);
+  return static_cast<std::size_t>(hash_combine(0, seed));
 }
 
 /// Memory for entries, taken in blocks and given back never.
@@ -170,12 +207,13 @@ template <class CharT>
 class Table {
 public:
   const TableEntry* intern(const CharT* text, std::size_t size) {
-    const std::size_t hash = hashText(text, size);
+    const std::size_t hash = hashText(secret_, text, size);
     return shards_[hash >> (64 - shardBits)].intern(text, size, hash);
   }
 
 private:
   static constexpr unsigned shardBits = 6;
+  const Secret secret_ = Secret::make();
   std::array<Shard<CharT>, std::size_t{1} << shardBits> shards_;
 };
 

@@ -69,7 +69,8 @@ public:
   operator std::basic_string<CharT>() const { return std::basic_string<CharT>(view()); }
   /// @}
 
-  /// The hash of the text; it does not depend on where the entry lies. The empty string hashes to 0.
+  /// The hash of the text. It is another one in each process, so that nobody can make texts that collide; nothing that
+  /// outlives the process may depend on it. The empty string hashes to 0.
   [[nodiscard]] std::size_t hash() const noexcept { return empty() ? 0 : entry_->hash; }
   /// Whether the texts are equal: they are one object then.
   [[nodiscard]] bool equal_(const BasicTableString& other) const noexcept { return entry_ == other.entry_; }
