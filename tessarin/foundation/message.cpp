@@ -112,14 +112,38 @@ std::unique_ptr<MessageException> MessageException::clone() const {
   return std::make_unique<MessageException>(*this);
 }
 
+MessageException::Shown& MessageException::Shown::operator=(const Shown& other) noexcept {
+  if (this != &other) delete text.exchange(nullptr);
+  return *this;
+}
+MessageException::Shown::~Shown() {
+  delete text.load();
+}
+
 ustring MessageException::fullMessage() const {
-  ustring text;
-  message_(text);
-  return text;
+  const ustring own = message_value_.fullMessage();
+  ustring wide;
+  message_(wide);
+  if (wide != own) return wide;
+  std::string narrow;
+  message_(narrow);
+  return narrow == encode_utf8(own) ? own : utf8_string_to_ustring(narrow);
+}
+
+const char* MessageException::what() const noexcept {
+  if (const std::string* shown = shown_.text.load()) return shown->c_str();
+  try {
+    auto made = std::make_unique<const std::string>(encode_utf8(fullMessage()));
+    const std::string* first = nullptr;
+    if (shown_.text.compare_exchange_strong(first, made.get())) first = made.release();
+    return first->c_str();
+  } catch (...) {
+    return Exception::what();
+  }
 }
 
 void MessageException::message_(std::string& text) const {
-  text = what();
+  text = encode_utf8(message_value_.fullMessage());
 }
 void MessageException::message_(ustring& text) const {
   text = message_value_.fullMessage();

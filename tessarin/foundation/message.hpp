@@ -8,6 +8,7 @@
 #include "tessarin/foundation/exception.hpp"
 #include "tessarin/foundation/location.hpp"
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -96,10 +97,11 @@ TESSARIN_EXPORT ustring file_line_message(const Location& location);
 /// Says where, with the column: `path:line:column`, or `line N, column M` where there is no path.
 TESSARIN_EXPORT ustring file_line_column_message(const Location& location);
 
-/// An error without a place.
+/// An error without a place. A derived class may show another text: `what()` and `fullMessage()` tell the same, and
+/// both ask the hooks `message_`.
 class TESSARIN_EXPORT MessageException : public Exception {
 public:
-  /// Copies the message; its text is made at once.
+  /// Copies the message.
   explicit MessageException(const Message& message);
   MessageException(const MessageException&) = default;
   MessageException(MessageException&&) = default;
@@ -114,8 +116,11 @@ public:
   /// @}
   /// A copy of the exception. A derived class overrides it: this one copies the base alone.
   [[nodiscard]] virtual std::unique_ptr<MessageException> clone() const;
-  /// The text of the message.
+  /// The text that is shown: that of the hook that a derived class has overridden, the one for UTF-16 where it has
+  /// both; otherwise that of the message.
   [[nodiscard]] ustring fullMessage() const;
+  /// The same in UTF-8, as it was when it was first asked for. Where the hooks fail it is the text of the message.
+  [[nodiscard]] const char* what() const noexcept override;
   /// The message.
   [[nodiscard]] const Message* findMessage() const noexcept override { return &message_value_; }
   /// The place of the message, or null.
@@ -124,13 +129,24 @@ public:
   }
 
 protected:
-  /// Fill in the text that is shown.
+  /// Fills in the text that is shown, in UTF-8. By default that of the message.
   virtual void message_(std::string& text) const;
-  /// See above.
+  /// The same in UTF-16.
   virtual void message_(ustring& text) const;
 
 private:
+  /// What `what()` gives, once it has been asked for. A copy makes its own, for it may be of another class.
+  class Shown {
+  public:
+    Shown() noexcept = default;
+    Shown(const Shown&) noexcept {}
+    Shown& operator=(const Shown& other) noexcept;
+    ~Shown();
+    std::atomic<const std::string*> text = nullptr; ///< Owned.
+  };
+
   Message message_value_;
+  mutable Shown shown_;
 };
 
 /// An error at a place. The first argument of its message says where, with or without the column.

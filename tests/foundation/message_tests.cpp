@@ -109,6 +109,43 @@ TEST(Message, Exceptions) {
   EXPECT_THROW((void)attributed.object(2), std::out_of_range);
 }
 
+/// Shows another text than its message, through one hook or both.
+template <bool narrow, bool wide>
+class Shouting final : public nvf::MessageException {
+public:
+  Shouting() : MessageException(Message(ast::FailToOpenFile("out"))) {}
+
+protected:
+  void message_(std::string& text) const override {
+    MessageException::message_(text);
+    if (narrow) text = "narrow \xC3\xA9";
+  }
+  void message_(nvf::ustring& text) const override {
+    MessageException::message_(text);
+    if (wide) text = u"wide \u00e9";
+  }
+};
+
+TEST(MessageException, WhatAndFullMessageTellTheSame) {
+  const auto expectTells = [](const nvf::MessageException& e, const char* what) {
+    const nvf::MessageException copy = e; // of the base alone
+    EXPECT_STREQ(e.what(), what);
+    EXPECT_EQ(nvf::encode_utf8(e.fullMessage()), what);
+    EXPECT_EQ(e.what(), e.what()) << "the text stays where it is";
+    EXPECT_STREQ(copy.what(), "'out' cannot be written.");
+    EXPECT_EQ(copy.fullMessage(), u"'out' cannot be written.");
+  };
+  expectTells(Shouting<false, false>(), "'out' cannot be written.");
+  expectTells(Shouting<true, false>(), "narrow \xC3\xA9");
+  expectTells(Shouting<false, true>(), "wide \xC3\xA9");
+  expectTells(Shouting<true, true>(), "wide \xC3\xA9");
+
+  nvf::MessageException assigned(Message(ast::FailToOpenFile("first")));
+  EXPECT_STREQ(assigned.what(), "'first' cannot be written.");
+  assigned = nvf::MessageException(Message(ast::FailToOpenFile("second")));
+  EXPECT_STREQ(assigned.what(), "'second' cannot be written.");
+}
+
 TEST(Warning, ScopesNestAndBelongToTheirThread) {
   using Ids = std::vector<std::string>;
   Ids process;
