@@ -13,17 +13,20 @@ namespace tessarin::compiler::core {
 
 namespace {
 
-/// Opens the scope of a `let` and closes it again, also where an exception passes.
+/// Opens the scope of a `let` and closes it again, also where an exception passes: the stack becomes the former one,
+/// for which nothing has to be made.
 class LetScope {
 public:
-  LetScope(LetDeclNameStack& stack, const LetExpr& let) : stack_(stack) { stack_.push(let); }
+  LetScope(LetDeclNameStack& stack, const LetExpr& let) : stack_(stack), former_(stack) { stack_.push(let); }
   LetScope(const LetScope&) = delete;
   LetScope& operator=(const LetScope&) = delete;
-  ~LetScope() { stack_.pop(); }
+  ~LetScope() { stack_ = std::move(former_); }
 
 private:
   LetDeclNameStack& stack_;
+  LetDeclNameStack former_;
 };
+static_assert(std::is_nothrow_move_assignable_v<LetDeclNameStack>);
 
 // ---- parts ----
 //

@@ -11,7 +11,8 @@
 namespace tessarin::compiler::core {
 
 /// The names that the `let` expressions around a place declare, from the outermost to the innermost. A shared value:
-/// copies share the stacks until one of them is changed, also across threads.
+/// copies share what they have in common, also across threads. Copying, opening and closing a scope, and looking up a
+/// name do not cost more the more scopes are open.
 class TESSARIN_EXPORT LetDeclNameStack {
 public:
   /// The declared names of one `let`, each with the index of its declaration.
@@ -25,16 +26,19 @@ public:
 
   LetDeclNameStack() = default;
   /// With scopes that are open already; both stacks must have the same height.
-  LetDeclNameStack(const NameStack& names, const DeclStack& declarations) : names_(names), decls_(declarations) {}
+  LetDeclNameStack(const NameStack& names, const DeclStack& declarations);
 
-  /// The names of each scope.
-  [[nodiscard]] const NameStack& nameStack() const noexcept { return names_.get(); }
-  /// The declarations of each scope.
-  [[nodiscard]] const DeclStack& declStack() const noexcept { return decls_.get(); }
-  /// The same for changing them: they are copied first where other stacks share them.
+  /// The names and the declarations of each scope. The lists are made when they are first asked for, which costs a copy
+  /// of all that is open; they stay valid until this stack and all its copies are changed.
   /// @{
-  [[nodiscard]] NameStack& nameStack() { return names_.get(); }
-  [[nodiscard]] DeclStack& declStack() { return decls_.get(); }
+  [[nodiscard]] const NameStack& nameStack() const { return stacks().names; }
+  [[nodiscard]] const DeclStack& declStack() const { return stacks().declarations; }
+  /// @}
+  /// The same for changing them: copies that no other stack shares. From then on this stack is as its owner makes it,
+  /// and looking up a name asks one scope after the other.
+  /// @{
+  [[nodiscard]] NameStack& nameStack() { return ownStacks().names; }
+  [[nodiscard]] DeclStack& declStack() { return ownStacks().declarations; }
   /// @}
 
   /// Opens the scope of a `let`. A declaration's value sees all names of its own `let`, also those behind it; of two
@@ -52,8 +56,17 @@ public:
   [[nodiscard]] std::optional<Found> lookup(const nvf::CxId& id) const;
 
 private:
-  nvf::Handle<NameStack> names_;
-  nvf::Handle<DeclStack> decls_;
+  struct Scope;
+  /// Both stacks as lists.
+  struct Stacks final : nvf::SharedBlock {
+    NameStack names;
+    DeclStack declarations;
+  };
+  [[nodiscard]] const Stacks& stacks() const;
+  [[nodiscard]] Stacks& ownStacks();
+
+  nvf::SharedPtr<Scope> top_;     // the innermost scope; none where no scope is open, or where `edited_` is set
+  nvf::SharedPtr<Stacks> edited_; // the lists, where the owner has them for changing
 };
 
 /// The names that declarations of one `let` declare, each with the index of its declaration. Placeholders are left out;

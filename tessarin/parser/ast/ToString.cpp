@@ -1,12 +1,12 @@
 // The text forms of expressions, equations and events.
 #include "tessarin/foundation/terminate.hpp"
 #include "tessarin/foundation/value_token.hpp"
+#include "tessarin/parser/ast/BoundNames.hpp"
 #include "tessarin/parser/ast/Conversions.hpp"
 #include "tessarin/parser/ast/Printer.hpp"
 #include "tessarin/parser/ast/fixed_id.hpp"
 
 #include <ostream>
-#include <set>
 #include <stdexcept>
 
 namespace tessarin::compiler::core {
@@ -316,32 +316,26 @@ struct ToStringVisitor {
 
 /// Keeps the names that a `let` and those around it bind from being mapped.
 struct ToStringVisitor::FilterLet {
-  std::shared_ptr<const std::set<nvf::CxId>> bound;
-  std::shared_ptr<const ToStringContext::MapIdentifierFcn> outer;
+  BoundNames bound; // by all of them: they nest as deep as text likes
+  std::shared_ptr<const ToStringContext::MapIdentifierFcn> mapping;
 
-  /// Asks the scopes from the inside outwards, in a loop, for they nest as deep as text likes.
   nvf::CxIdPath operator()(const nvf::CxId& id) const {
-    for (const FilterLet* scope = this;;) {
-      if (scope->bound->contains(id)) return nvf::CxIdPath({id});
-      const auto* further = scope->outer->target<FilterLet>();
-      if (further == nullptr) return (*scope->outer)(id);
-      scope = further;
-    }
+    return bound.find(id) != nullptr ? nvf::CxIdPath({id}) : (*mapping)(id);
   }
 
   /// The context for the items of a `let`.
   static ToStringContext around(const LetExpr& let, const ToStringContext& context) {
     // The default function maps nothing, so there is nothing to keep from it.
     if (context.mapIdentifierFcn() == ToStringContext::makeDefaultMapIdentifierFcn()) return context;
-    auto bound = std::make_shared<std::set<nvf::CxId>>();
+    const auto* around = context.mapIdentifierFcn()->target<FilterLet>();
+    FilterLet filter = around != nullptr ? *around : FilterLet{{}, context.mapIdentifierFcn()};
     for (const IdListValuePair& declaration : let.declarations()) {
       for (const OptIdent& id : declaration.ids()) {
-        if (const Ident* ident = id.getIf<Ident>()) bound->insert(ident->id());
+        if (const Ident* ident = id.getIf<Ident>()) filter.bound.bind(ident->id(), {});
       }
     }
     ToStringContext inner = context;
-    inner.mapIdentifierFcn(std::make_shared<const ToStringContext::MapIdentifierFcn>(
-        FilterLet{std::move(bound), context.mapIdentifierFcn()}));
+    inner.mapIdentifierFcn(std::make_shared<const ToStringContext::MapIdentifierFcn>(std::move(filter)));
     return inner;
   }
 };
