@@ -3,6 +3,11 @@
 namespace nvf {
 
 DumpSink::~DumpSink() = default;
+void DumpSink::field(std::string_view) {}
+void DumpSink::absent() {
+  beginList(0);
+  endList();
+}
 
 std::string detail::shortTypeName(const std::type_info& type) {
   const std::string full = boost::core::demangle(type.name());

@@ -29,6 +29,8 @@
 #include <boost/core/demangle.hpp>
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <compare>
 #include <concepts>
 #include <functional>
@@ -37,6 +39,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <type_traits>
 #include <utility>
@@ -57,10 +60,25 @@ struct IgnoreValue {
   friend bool operator==(const IgnoreValue&, const IgnoreValue&) noexcept { return true; }
 };
 
+/// A value that is carried beside the fields: like an ignored one, but it does not even stir the hash.
+template <class T>
+struct BesideValue {
+  T value;
+  BesideValue() = default;
+  BesideValue(T v) : value(std::move(v)) {} // NOLINT(google-explicit-constructor): a field is given as its value
+  friend bool operator==(const BesideValue&, const BesideValue&) noexcept { return true; }
+};
+
 template <class T>
 inline constexpr bool isIgnored = false;
 template <class T>
 inline constexpr bool isIgnored<IgnoreValue<T>> = true;
+template <class T>
+inline constexpr bool isIgnored<BesideValue<T>> = true;
+template <class T>
+inline constexpr bool isBeside = false;
+template <class T>
+inline constexpr bool isBeside<BesideValue<T>> = true;
 template <class T>
 inline constexpr bool isOptional = false;
 template <class T>
@@ -114,6 +132,30 @@ std::string pretty_name() {
   return detail::shortTypeName(typeid(T));
 }
 
+/// What a class and its fields are called where trees are shown. `TESSARIN_DECLARE_OPERATIONS` fills it in; these names
+/// do not depend on the compiler, and tools rely on them.
+template <class T>
+struct ClassNames {
+  /// The name of the class without its namespaces.
+  static std::string name() { return pretty_name<T>(); }
+  /// The names of the fields that count, in their order; none where the class has none for them.
+  static constexpr std::array<std::string_view, 0> fields{};
+  /// Whether it has.
+  static constexpr bool isNamed = false;
+};
+
+namespace detail {
+/// What stands behind the last colon.
+constexpr std::string_view withoutNamespaces(std::string_view name) {
+  return name.substr(name.rfind(':') + 1);
+}
+/// The texts as an array.
+template <class... Names>
+constexpr std::array<std::string_view, sizeof...(Names)> namesOf(Names... names) {
+  return {names...};
+}
+} // namespace detail
+
 /// Receives the parts of a tree in order.
 class TESSARIN_EXPORT DumpSink {
 public:
@@ -122,12 +164,16 @@ public:
   virtual void beginNode(const std::string& className, const Range* range) = 0;
   /// The node that began last ends.
   virtual void endNode() = 0;
-  /// A sequence or an absent optional begins: `size` parts follow before `endList`.
+  /// A sequence begins: `size` parts follow before `endList`.
   virtual void beginList(std::size_t size) = 0;
   /// The list that began last ends.
   virtual void endList() = 0;
   /// A field that is no node.
   virtual void value(const ustring& text) = 0;
+  /// The field of this name of the node that began last comes next. Does nothing by default.
+  virtual void field(std::string_view name);
+  /// An optional that is absent; a list of none by default.
+  virtual void absent();
 };
 
 // ---- the operations over fields ----
@@ -172,7 +218,10 @@ std::size_t hashOf(const T& field) {
     return seed;
   } else if constexpr (detail::Tuple<T>) {
     std::size_t seed = 0;
-    std::apply([&seed](const auto&... element) { ((seed = hash_combine(seed, hashOf(element))), ...); }, field);
+    const auto stir = [&seed]<class Element>(const Element& element) {
+      if constexpr (!detail::isBeside<Element>) seed = hash_combine(seed, hashOf(element));
+    };
+    std::apply([&stir](const auto&... element) { (stir(element), ...); }, field);
     return seed;
   } else {
     return hash_value(field);
@@ -295,6 +344,8 @@ template <class T>
 void show(DumpSink& sink, const T& field) {
   if constexpr (std::same_as<T, bool>) {
     sink.value(field ? u"true" : u"false");
+  } else if constexpr (std::is_enum_v<T> && requires { dump_text(field); }) {
+    sink.value(dump_text(field));
   } else if constexpr (detail::Scalar<T>) {
     using Wide = std::conditional_t<std::is_unsigned_v<T>, unsigned long long, long long>;
     sink.value(widen(std::to_string(static_cast<Wide>(field))));
@@ -306,8 +357,7 @@ void show(DumpSink& sink, const T& field) {
     if (field) {
       show(sink, *field);
     } else {
-      sink.beginList(0);
-      sink.endList();
+      sink.absent();
     }
   } else if constexpr (detail::Variant<T>) {
     std::visit([&sink](const auto& alternative) { show(sink, alternative); }, field);
@@ -351,6 +401,15 @@ struct TESSARIN_EXPORT Operations {
 
 /// Equality is that of the fields.
 struct NativeEquality {};
+/// Marks a class whose annotations are its source ranges alone.
+template <class T>
+struct SimpleAnnotation {};
+
+namespace detail {
+/// What derives the order under the name that classes with an order of their own go by.
+template <class T>
+using Comparable = OrderingOperators<T>;
+} // namespace detail
 
 /// Gives `T` its free functions, found by argument: all of them lead to `Operations<T>`.
 template <class T, class Equality>
@@ -384,13 +443,22 @@ const auto& unwrap(const Field& field) noexcept {
   }
 }
 
-/// Whether the last field is a range.
+/// Whether the last field is a range, and whether it is one that may be another one without anything else changing.
+/// @{
 template <class... Fields>
 inline constexpr bool endsWithRange = false;
 template <class Last>
-inline constexpr bool endsWithRange<Last> = std::same_as<Last, IgnoreValue<Range>>;
+inline constexpr bool endsWithRange<Last> =
+    std::same_as<Last, IgnoreValue<Range>> || std::same_as<Last, BesideValue<Range>>;
 template <class First, class Second, class... Rest>
 inline constexpr bool endsWithRange<First, Second, Rest...> = endsWithRange<Second, Rest...>;
+template <class... Fields>
+inline constexpr bool endsWithOwnRange = false;
+template <class Last>
+inline constexpr bool endsWithOwnRange<Last> = std::same_as<Last, IgnoreValue<Range>>;
+template <class First, class Second, class... Rest>
+inline constexpr bool endsWithOwnRange<First, Second, Rest...> = endsWithOwnRange<Second, Rest...>;
+/// @}
 
 /// Reaches the fields of a class for changing them: unshared, and with the hash forgotten. For code of this library
 /// that has made the object and shows it to nobody yet; to everyone else values do not change.
@@ -422,7 +490,7 @@ public:
   }
   { return static_cast<const Self&>(*this).location().lineColumn().line(); }
   /// A copy at another place, which is no part of the value.
-  [[nodiscard]] T withRange(const Range& range) const requires endsWithRange<Fields...> {
+  [[nodiscard]] T withRange(const Range& range) const requires endsWithOwnRange<Fields...> {
     return with<sizeof...(Fields) - 1>(range);
   }
 
@@ -446,10 +514,59 @@ protected:
 
 } // namespace detail
 
-/// The base of a class that keeps its fields in the object.
+template <class T>
+class Handle;
+
+namespace detail {
+
+/// Remembers the hash of the object that it is a part of. Threads that compute it at the same time store the same
+/// value.
+class HashCache {
+public:
+  HashCache() noexcept = default;
+  HashCache(const HashCache& other) noexcept : hash_(other.get()) {}
+  HashCache(HashCache&& other) noexcept : hash_(other.hash_.exchange(0, std::memory_order_relaxed)) {}
+  HashCache& operator=(HashCache other) noexcept {
+    set(other.get());
+    return *this;
+  }
+  ~HashCache() = default;
+  [[nodiscard]] std::size_t get() const noexcept { return hash_.load(std::memory_order_relaxed); }
+  void set(std::size_t hash) const noexcept { hash_.store(hash, std::memory_order_relaxed); }
+
+private:
+  mutable std::atomic<std::size_t> hash_ = 0; // 0 where it is not known
+};
+
+/// For objects whose hash is made anew each time.
+struct NoHashCache {
+  [[nodiscard]] static std::size_t get() noexcept { return 0; }
+  static void set(std::size_t) noexcept {}
+};
+
+/// Whether the hash of a field may cost more than a few steps without being remembered where the field is.
+template <class T>
+inline constexpr bool isCostlyToHash = Text<T>;
+template <class T>
+inline constexpr bool isCostlyToHash<Handle<T>> = true;
+
+} // namespace detail
+
+/// The base of a class that keeps its fields in the object. The hash is cached where there is a text or a handle among
+/// them.
 template <class T, class... Fields>
 class TupleWrapper : public detail::TupleAccess<T, Fields...> {
 public:
+  TupleWrapper(const TupleWrapper&) = default;
+  TupleWrapper(TupleWrapper&&) = default;
+  /// Takes the value before the old one goes: a part of an object may be assigned to it.
+  TupleWrapper& operator=(TupleWrapper other) noexcept(std::is_nothrow_move_assignable_v<std::tuple<Fields...>>) {
+    fields_ = std::move(other.fields_);
+    hash_ = std::move(other.hash_);
+    return *this;
+  }
+  ~TupleWrapper() = default;
+
   /// The fields, for operations that treat all classes alike.
   [[nodiscard]] const std::tuple<Fields...>& tuple() const noexcept { return fields_; }
 
@@ -463,12 +580,19 @@ protected:
 private:
   friend struct Operations<T>;
   friend struct detail::OwnFields;
+  using Cache = std::conditional_t<(detail::isCostlyToHash<Fields> || ...), detail::HashCache, detail::NoHashCache>;
+
   [[nodiscard]] const void* identity() const noexcept { return nullptr; }
-  [[nodiscard]] std::size_t cachedHash() const noexcept { return 0; }
-  void cacheHash(std::size_t) const noexcept {}
-  std::tuple<Fields...>& ownFields() noexcept { return fields_; }
+  [[nodiscard]] std::size_t cachedHash() const noexcept { return hash_.get(); }
+  void cacheHash(std::size_t hash) const noexcept { hash_.set(hash); }
+  /// The fields for changing them, with the hash forgotten.
+  std::tuple<Fields...>& ownFields() noexcept {
+    hash_.set(0);
+    return fields_;
+  }
 
   std::tuple<Fields...> fields_;
+  [[no_unique_address]] Cache hash_;
 };
 
 /// The base of a class that shares its fields with its copies. An object that has been moved from can only be destroyed
@@ -519,11 +643,29 @@ private:
 template <class Self, class... Alternatives>
 class TaggedUnion : public Relatable<Self, NativeEquality> {
 public:
-  TaggedUnion() = default;
-  /// Holds the alternative, whose type is one of them exactly.
+  /// Whether `A` is one of the alternatives.
   template <class A>
-  requires(std::same_as<A, Alternatives> || ...) TaggedUnion(A alternative)
-      : value_(std::move(alternative)) {} // NOLINT(google-explicit-constructor)
+  static constexpr bool holds = (std::same_as<A, Alternatives> || ...);
+
+  TaggedUnion() = default;
+  /// Holds the alternative, given by value.
+  template <class A>
+  requires(holds<A>) TaggedUnion(A alternative) // NOLINT(google-explicit-constructor)
+      : value_(std::move(alternative)) {}
+  /// Holds the one alternative that the value converts to, such as the expression that an operator is.
+  template <class A>
+  requires(!holds<A>) && (!std::derived_from<A, Self>)&&((std::size_t{std::is_convertible_v<A, Alternatives>} + ...) ==
+                                                         1) explicit TaggedUnion(A part)
+      : value_(alternativeOf(std::move(part))) {}
+
+  TaggedUnion(const TaggedUnion&) = default;
+  TaggedUnion(TaggedUnion&&) = default;
+  /// Takes the value before the old one goes: a part of a tree may be assigned to the tree.
+  TaggedUnion& operator=(TaggedUnion other) noexcept(std::is_nothrow_move_assignable_v<std::variant<Alternatives...>>) {
+    value_ = std::move(other.value_);
+    return *this;
+  }
+  ~TaggedUnion() = default;
 
   /// The number of the alternative.
   [[nodiscard]] std::size_t id() const noexcept { return value_.index(); }
@@ -556,12 +698,27 @@ public:
 private:
   friend struct Operations<Self>;
   using Value = std::variant<Alternatives...>;
+
+  template <class A>
+  static Value alternativeOf(A part) {
+    std::optional<Value> result;
+    const auto convert = [&]<class Alternative>(std::type_identity<Alternative>) {
+      if constexpr (std::is_convertible_v<A, Alternative>) result.emplace(Alternative(std::move(part)));
+    };
+    (convert(std::type_identity<Alternatives>()), ...);
+    return *std::move(result);
+  }
+
   const Value& checked() const {
     if (value_.valueless_by_exception()) throw std::logic_error("invalid visit");
     return value_;
   }
   Value value_;
 };
+
+/// Whether `A` is an alternative of the tagged union `Union`.
+template <class A, class Union>
+concept AlternativeOf = Union::template holds<A>;
 
 template <class T>
 concept IsTaggedUnion = requires(const T& value) {
@@ -645,6 +802,29 @@ void Operations<T>::strip(T& value) {
   }
 }
 
+namespace detail {
+/// Shows the fields that count, each behind its name where the class has names.
+template <class T>
+void showFields(DumpSink& sink, const T& value) {
+  constexpr const auto& names = ClassNames<T>::fields;
+  std::size_t next = 0;
+  const auto showOne = [&]<class Field>(const Field& field) {
+    if constexpr (!Ignored<Field>) {
+      if (next < names.size()) sink.field(names[next]);
+      ++next;
+      fields::show(sink, field);
+    }
+  };
+  std::apply(
+      [&]<class... Fields>(const Fields&... field) {
+        static_assert(!ClassNames<T>::isNamed || names.size() == (std::size_t{!Ignored<Fields>} + ... + 0),
+                      "one name for each field that counts");
+        (showOne(field), ...);
+      },
+      value.tuple());
+}
+} // namespace detail
+
 template <class T>
 void Operations<T>::dump(DumpSink& sink, const T& value) {
   if constexpr (IsTaggedUnion<T>) {
@@ -652,11 +832,11 @@ void Operations<T>::dump(DumpSink& sink, const T& value) {
   } else {
     if constexpr (requires { value.range(); }) {
       const Range range = value.range();
-      sink.beginNode(pretty_name<T>(), &range);
+      sink.beginNode(ClassNames<T>::name(), &range);
     } else {
-      sink.beginNode(pretty_name<T>(), nullptr);
+      sink.beginNode(ClassNames<T>::name(), nullptr);
     }
-    detail::walk<T>([&] { fields::show(sink, value.tuple()); });
+    detail::walk<T>([&] { detail::showFields(sink, value); });
     sink.endNode();
   }
 }
@@ -711,7 +891,15 @@ inline constexpr bool hashesByValue<Handle<T>> = true;
 
 } // namespace nvf
 
-/// Says beside the class `T` that its operations are compiled in the library.
-#define TESSARIN_DECLARE_OPERATIONS(T) extern template struct nvf::Operations<T>
+/// Says beside the class `T` that its operations are compiled in the library, and what the fields that count are
+/// called, in their order. A tagged union has no fields.
+#define TESSARIN_DECLARE_OPERATIONS(T, ...)                                                                            \
+  template <>                                                                                                          \
+  struct nvf::ClassNames<T> {                                                                                          \
+    static std::string name() { return std::string(nvf::detail::withoutNamespaces(#T)); }                              \
+    static constexpr bool isNamed = true;                                                                              \
+    static constexpr auto fields = nvf::detail::namesOf(__VA_ARGS__);                                                  \
+  };                                                                                                                   \
+  extern template struct nvf::Operations<T>
 /// Compiles them.
 #define TESSARIN_DEFINE_OPERATIONS(T) template struct nvf::Operations<T>

@@ -207,4 +207,71 @@ TEST(AstLaws, ThreadsShareOneTree) {
   for (std::thread& thread : threads) thread.join();
 }
 
+/// Notes each class that is shown, with its fields.
+class NamesSink final : public nvf::DumpSink {
+public:
+  void beginNode(const std::string& className, const nvf::Range*) override { open_.push_back(className + "("); }
+  void endNode() override {
+    names.insert(open_.back() + ")");
+    open_.pop_back();
+  }
+  void beginList(std::size_t) override {}
+  void endList() override {}
+  void value(const nvf::ustring&) override {}
+  void field(std::string_view name) override {
+    open_.back() += std::string(open_.back().back() == '(' ? "" : ",") += name;
+  }
+
+  std::set<std::string> names;
+
+private:
+  std::vector<std::string> open_;
+};
+
+TEST(AstLaws, NamesOfClassesAndFieldsAreFixed) {
+  NamesSink sink;
+  for (const Expr& expr : oneOfEachKind()) dump(sink, expr);
+  EXPECT_EQ(sink.names, (std::set<std::string>{
+                            "Arguments(positional,named)",
+                            "ArrayMemberPathElement(memberIndex,elementIndex)",
+                            "BaseClassPathElement()",
+                            "CalvexFunctionCall(path,positionalArguments,namedArguments,noArguments,isEnum,dottedEnum,"
+                            "evalCompileTime)",
+                            "ConcreteValueExpr(value)",
+                            "ElseifBranch(condition,eqnItems)",
+                            "EndIndex()",
+                            "FieldValueArrayExpr(pairs)",
+                            "FullPathVariable(paths,subs)",
+                            "IdListValuePair(ids,value,isColonEquals)",
+                            "IdParenSubs(ident,subs)",
+                            "IdValueIndices(ident,indices)",
+                            "Ident(id)",
+                            "IdentValuePair(ident,value)",
+                            "IfExpr(condition,ifEqnItems,elseEqnItems,elseifBranches)",
+                            "LetExpr(declarations,eqnItems)",
+                            "MRVIndex(expr,rvIndex,numRvs)",
+                            "MatrixExpr(rows)",
+                            "MemberPathElement(memberIndex)",
+                            "ModechartEqnExpr(expr)",
+                            "NamedArgument(name,value,isColonEquals)",
+                            "NativeFunctionCall(path,positionalArguments,namedArguments,noArguments)",
+                            "NumberLiteral(value)",
+                            "ObjectRef(ref)",
+                            "OpExpr(operator,operands)",
+                            "ParenSubs(subs)",
+                            "RelativePathVariable(depth,id,subs)",
+                            "StringLiteral(value)",
+                            "TessarinFunctionCall(path,positionalArguments,namedArguments,noArguments)",
+                            "TessarinLocalFunctionCall(path,positionalArguments,namedArguments,noArguments,fcnId)",
+                            "Tilde()",
+                            "Time()",
+                            "TransitionExpr(expr,preCondition)",
+                            "UnitExpr(expr,unit)",
+                            "UnitLiteral(value)",
+                            "ValueExpr(expr,unit,conversion)",
+                            "ValueRef(id,leadingPath,tail)",
+                            "Variable(id,leadingPath,tail)",
+                        }));
+}
+
 } // namespace

@@ -1,3 +1,4 @@
+#include "tessarin/parser/ast/Connection.hpp"
 #include "tessarin/parser/ast/Conversions.hpp"
 #include "tessarin/parser/ast/ToStringContext.hpp"
 
@@ -252,6 +253,53 @@ TEST(Printing, LiteralsWriteToStreams) {
   EXPECT_EQ(wide.str(), u"'it''s'");
   EXPECT_EQ(number("1.50").get<NumberLiteral>().string(), u"1.50");
   EXPECT_EQ(narrow(SingleQuoteOutputter(), unitText("m/s").value()), "'m/s'");
+}
+
+template <class T>
+std::string streamed(const T& value) {
+  std::ostringstream stream;
+  stream << value;
+  return stream.str();
+}
+
+TEST(Streams, EveryClassWithATextHasAStreamForm) {
+  const Expr x = name("x");
+  const auto nameValue = IdentValuePair(ident("n"), x, nvf::Location());
+  const nvf::Expressions<IdentValuePair> updates{nameValue};
+  const WhenBranch when(x, updates);
+  const ElseWhenBranch elseWhen(x, updates);
+  EXPECT_EQ(streamed(ident("a")), "a");
+  EXPECT_EQ(streamed(Tilde()), "~");
+  EXPECT_EQ(streamed(OptIdent(ident("a"))), "a");
+  EXPECT_EQ(streamed(ImplicitReference()), "*");
+  EXPECT_EQ(streamed(Name("a.b")), "a.b");
+  EXPECT_EQ(streamed(nameValue), "n = x");
+  EXPECT_EQ(streamed(colon()), ":");
+  EXPECT_EQ(streamed(Subscript(x)), "x");
+  EXPECT_EQ(streamed(parenSubs({colon(), x})), "(:, x)");
+  EXPECT_EQ(streamed(step("a", {x})), "a(x)");
+  EXPECT_EQ(streamed(NamedArgument(variable("n"), x, true)), "n := x");
+  EXPECT_EQ(streamed(IdParenIds(ident("a"), idents({"i", "j"}))), "a(i,j)");
+  EXPECT_EQ(streamed(declaration({"a", "~"}, x)), "[a,~] = x");
+  EXPECT_EQ(streamed(FunctionEqnItem(declaration("a", x))), "a = x");
+  EXPECT_EQ(streamed(unitText("m/s")), "'m/s'");
+  EXPECT_EQ(streamed(EquationBlock({x}, {}, nvf::Location())), "equations \n  x;\nend");
+  EXPECT_EQ(streamed(when), "when x\n  n = x;\n");
+  EXPECT_EQ(streamed(elseWhen), "elsewhen x\n  n = x;\n");
+  EXPECT_EQ(streamed(WhenClause(when, {elseWhen})), "when x\n  n = x;\nelsewhen x\n  n = x;\nend");
+  EXPECT_EQ(streamed(EventBlock({WhenClause(when, {})}, nvf::Location())), "events\n  when x\n    n = x;\n  end;\nend");
+}
+
+TEST(Streams, AKindOfAnExpressionIsPrintedAsOne) {
+  // Also where it converts to other classes that have a text, as to an argument of a connection.
+  const Variable v = variable("a.b", arguments({number("1")}));
+  EXPECT_EQ(streamed(v), "a.b(1)");
+  EXPECT_EQ(to_string(v, ToStringContext()), u"a.b(1)");
+  EXPECT_EQ(streamed(valueRef({"a"}, "b")), streamed(Expr(valueRef({"a"}, "b"))));
+  EXPECT_EQ(streamed(objectRef({"a"})), streamed(Expr(objectRef({"a"}))));
+  EXPECT_EQ(streamed(Time()), "time");
+  EXPECT_EQ(streamed(StringLiteral(u"it's", nvf::Range())), "'it''s'");
+  EXPECT_EQ(streamed(ifThen(name("c"), {}, {})), streamed(Expr(ifThen(name("c"), {}, {}))));
 }
 
 } // namespace

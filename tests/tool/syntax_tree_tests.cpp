@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <set>
+#include <string>
+
 namespace {
 
 using nlohmann::json;
@@ -129,15 +132,131 @@ TEST(PrintCommand, WhatItPrintsReadsBackAndPrintsTheSame) {
 
 TEST(AstCommand, ListsNodesWithTheirRangesAndFields) {
   const std::string text = ask({"ast", "valve.tsn"}).out;
-  for (const char* line : {"\nModel '0'\n", "Ident <2:27-2:32> 'valve'\n", "OpExpr <10:6-10:11> '"}) {
+  for (const char* line : {"\nModel type='component'\n", "name: Ident <2:27-2:32> id='valve'\n",
+                           "predicate: OpExpr <10:6-10:11> operator='>'\n"}) {
     EXPECT_NE(text.find(line), std::string::npos) << line << text;
   }
   const json document = json::parse(ask({"ast", "valve.tsn", "--json"}).out);
   ASSERT_EQ(document["ast"].size(), 3) << "imports, the model, local functions";
   EXPECT_EQ(document["ast"][0][0]["class"], "ImportStmt");
   EXPECT_EQ(document["ast"][1]["class"], "Model");
-  EXPECT_EQ(document["ast"][2][0]["fields"][0],
-            json::parse(R"({"class":"Ident","range":[28,26,28,32],"fields":["limits"]})"));
+  EXPECT_EQ(document["ast"][2][0]["fields"]["name"],
+            json::parse(R"({"class":"Ident","range":[28,26,28,32],"fields":{"id":"limits"}})"));
+  const json& block = document["ast"][1]["fields"]["declarativeSections"]["fields"]["semanticSections"]["fields"];
+  EXPECT_EQ(block["conditionalSections"][0]["fields"]["ifSection"]["fields"]["predicate"]["fields"]["operator"], ">");
+  EXPECT_EQ(block["declarationBlocks"][0]["fields"]["type"], "node");
+  EXPECT_EQ(document["ast"][1]["fields"]["modelSource"], "open");
+}
+
+/// Adds each `class` of the nodes in the document, with its fields.
+void collectClasses(const json& document, std::set<std::string>& classes) {
+  if (document.is_object() && document.contains("class")) {
+    std::string text = document["class"].get<std::string>() + ":";
+    for (const auto& [name, value] : document["fields"].items()) text += " " + name;
+    classes.insert(text);
+  }
+  for (const json& part : document) {
+    if (part.is_structured()) collectClasses(part, classes);
+  }
+}
+
+TEST(AstCommand, NamesOfClassesAndFieldsAreFixed) {
+  std::set<std::string> classes;
+  for (const char* file : {"valve.tsn", "plant.tsn"}) {
+    collectClasses(json::parse(ask({"ast", file, "--json"}).out), classes);
+  }
+  // All classes, with their fields in the order of their names.
+  const std::set<std::string> known{
+      "AnnotationsBlock: annotations classAnnotations",
+      "Arguments: named positional",
+      "ArrayMemberPathElement: elementIndex memberIndex",
+      "BaseClassPathElement:",
+      "BranchBlock: throughs",
+      "CalvexFunctionCall: dottedEnum evalCompileTime isEnum namedArguments noArguments path positionalArguments",
+      "ClassInitializer: args name",
+      "ConcreteValueExpr: value",
+      "ConditionalSection: elseSection elseifSections ifSection",
+      "Connection: firstArg remainingArguments",
+      "ConnectionBlock: connections",
+      "DeclarationBlock: attributes declarations type",
+      "DeclarativeSections: annotationsBlocks semanticSections",
+      "DefinitionsBlock: attributes eqnItems",
+      "ElseSection: declarations",
+      "ElseWhenBranch: body predicate",
+      "ElseifBranch: condition eqnItems",
+      "ElseifSection: declarations predicate",
+      "EndIndex:",
+      "EntryBlock: actions",
+      "EqnAssertion: action message predicate",
+      "EquationBlock: attributes eqnItems",
+      "EventBlock: events",
+      "FieldValueArrayExpr: pairs",
+      "ForLoop: body idValuePair",
+      "FullPathVariable: paths subs",
+      "IdListValuePair: ids isColonEquals value",
+      "IdParenIds: id indices",
+      "IdParenSubs: ident subs",
+      "IdValueIndices: ident indices",
+      "Ident: id",
+      "IdentValuePair: ident value",
+      "IfExpr: condition elseEqnItems elseifBranches ifEqnItems",
+      "IfSection: declarations predicate",
+      "ImplicitReference:",
+      "ImportStmt: importName isUnqualified",
+      "InitialMode: id predicate",
+      "InitialSection: initialModes",
+      "LetExpr: declarations eqnItems",
+      "MRVIndex: expr numRvs rvIndex",
+      "MatrixExpr: rows",
+      "MemberAnnotation: attributes ids",
+      "MemberPathElement: memberIndex",
+      "MemberText: path",
+      "MessageObject: holes id",
+      "Mode: entryBlocks equationBlocks ids",
+      "Modechart: initialSections modesSections transitionsSections",
+      "ModechartBlock: attributes declarations",
+      "ModechartDeclaration: id modechart",
+      "ModechartEqnExpr: expr",
+      "Model: attributes baseClassName declarativeSections modelSource name setupFunction type",
+      "ModesSection: modes",
+      "Name: ids",
+      "NamedArgument: isColonEquals name value",
+      "NativeFunctionCall: namedArguments noArguments path positionalArguments",
+      "NoMessage:",
+      "NumberLiteral: value",
+      "ObjectArrayElementDecl: lhs rhs",
+      "ObjectRef: ref",
+      "OpExpr: operands operator",
+      "ParenSubs: subs",
+      "PreformattedMessage: id text",
+      "RefText: ref",
+      "RelativePathVariable: depth id subs",
+      "SemanticSections: branchBlocks conditionalSections connectionBlocks declarationBlocks equationBlocks "
+      "eventBlocks forLoops modechartBlocks",
+      "SimpleSetupAsgnStmt: lhs rhs",
+      "SimpleSetupErrorStmt: id message",
+      "SimpleSetupIfStmt: predicate whenFalse whenTrue",
+      "SimpleSetupWarningStmt: id message",
+      "StringLiteral: value",
+      "TSNFunction: definitions inputs name outputs source",
+      "TessarinFunctionCall: namedArguments noArguments path positionalArguments",
+      "TessarinLocalFunctionCall: fcnId namedArguments noArguments path positionalArguments",
+      "Through: from lhs to",
+      "Tilde:",
+      "Time:",
+      "Transition: modes predicate",
+      "TransitionExpr: expr preCondition",
+      "TransitionsSection: transitions",
+      "UnitExpr: expr unit",
+      "UnitLiteral: value",
+      "ValueExpr: conversion expr unit",
+      "ValueRef: id leadingPath tail",
+      "Variable: id leadingPath tail",
+      "WhenBranch: body predicate",
+      "WhenClause: elseWhens whenBranch",
+  };
+  for (const std::string& text : classes) EXPECT_TRUE(known.contains(text)) << text;
+  EXPECT_GT(classes.size(), 50U) << "the files are to have most of them";
 }
 
 TEST(OutlineCommand, ListsWhatTheFileDeclares) {

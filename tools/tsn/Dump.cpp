@@ -16,6 +16,11 @@ void ListingSink::beginLine() {
   lineIsOpen_ = true;
 }
 
+void ListingSink::writeName(std::string_view separator) {
+  if (!field_.empty()) out_ << field_ << separator;
+  field_ = {};
+}
+
 void ListingSink::finish() {
   if (lineIsOpen_) out_ << '\n';
   lineIsOpen_ = false;
@@ -23,6 +28,7 @@ void ListingSink::finish() {
 
 void ListingSink::beginNode(const std::string& className, const nvf::Range* range) {
   beginLine();
+  writeName(": ");
   out_ << className;
   if (range != nullptr) {
     const nvf::LineColumn& begin = range->begin().lineColumn();
@@ -36,6 +42,7 @@ void ListingSink::beginNode(const std::string& className, const nvf::Range* rang
 
 void ListingSink::beginList(std::size_t size) {
   beginLine();
+  writeName(": ");
   out_ << '[' << size << ']';
   ++depth_;
   takesValues_ = false;
@@ -47,6 +54,7 @@ void ListingSink::value(const nvf::ustring& text) {
   } else {
     beginLine();
   }
+  writeName("=");
   out_ << '\'' << escaped(text) << '\'';
 }
 
@@ -70,7 +78,7 @@ void JsonSink::beginNode(const std::string& className, const nvf::Range* range) 
   } else {
     json_.null();
   }
-  json_.key("fields").beginArray();
+  json_.key("fields").beginObject();
 }
 
 } // namespace tessarin::tool

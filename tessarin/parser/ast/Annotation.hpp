@@ -46,5 +46,5 @@ public:
 
 } // namespace tessarin::compiler::core
 
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::MemberAnnotation);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::AnnotationsBlock);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::MemberAnnotation, "ids", "attributes");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::AnnotationsBlock, "classAnnotations", "annotations");

@@ -58,5 +58,5 @@ public:
 } // namespace tessarin::compiler::core
 
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ThroughLeaf);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Through);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::BranchBlock);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Through, "lhs", "from", "to");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::BranchBlock, "throughs");

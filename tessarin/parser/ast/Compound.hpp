@@ -126,6 +126,9 @@ enum class OpExprType : int {
 #include "tessarin/parser/ast/operators.def"
 };
 
+/// How the operator is written; its number where it is none.
+TESSARIN_EXPORT ustring dump_text(OpExprType type);
+
 /// An operator with its operands.
 class TESSARIN_EXPORT OpExpr : public nvf::TupleWrapper<OpExpr*, OpExprType, std::vector<Expr>, IgnoredRange> {
 public:
@@ -177,15 +180,15 @@ public:
 };
 
 /// An expression of a modechart with the condition under which it holds. Its range is that of the expression.
-class TESSARIN_EXPORT TransitionExpr : public nvf::TupleWrapper<TransitionExpr, ExprHandle, ExprHandle> {
+class TESSARIN_EXPORT TransitionExpr
+    : public nvf::TupleWrapper<TransitionExpr, ExprHandle, ExprHandle, detail::BesideValue<nvf::Range>> {
 public:
   /// The expression with its condition.
   /// @{
-  TransitionExpr(const Expr& expr, const Expr& preCondition) : TupleWrapper(expr, preCondition) {}
+  TransitionExpr(const Expr& expr, const Expr& preCondition);
   [[nodiscard]] const Expr& expr() const noexcept { return get<0>().get(); }
   /// What must hold for the expression to hold.
   [[nodiscard]] const Expr& preCondition() const noexcept { return get<1>().get(); }
-  [[nodiscard]] nvf::Range range() const;
   /// "internal_transition_expr__".
   static const nvf::CxId& ctor();
   /// @}
@@ -324,24 +327,25 @@ public:
 
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Time);
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::EndIndex);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::UnitExpr);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ValueExpr);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::MatrixExpr);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IdentValuePair);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::FieldValueArrayExpr);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::OpExpr);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::MRVIndex);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::TransitionExpr);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IdListValuePair);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ElseifBranch);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IfExpr);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::UnitExpr, "expr", "unit");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ValueExpr, "expr", "unit", "conversion");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::MatrixExpr, "rows");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IdentValuePair, "ident", "value");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::FieldValueArrayExpr, "pairs");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::OpExpr, "operator", "operands");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::MRVIndex, "expr", "rvIndex", "numRvs");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::TransitionExpr, "expr", "preCondition");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IdListValuePair, "ids", "value", "isColonEquals");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ElseifBranch, "condition", "eqnItems");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IfExpr, "condition", "ifEqnItems", "elseEqnItems",
+                            "elseifBranches");
 namespace nvf {
 /// Hashes as the `if` that it wraps: intended.
 template <>
 std::size_t
 Operations<tessarin::compiler::core::ModechartEqnExpr>::hash(const tessarin::compiler::core::ModechartEqnExpr& expr);
 } // namespace nvf
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ModechartEqnExpr);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::LetExpr);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ModechartEqnExpr, "expr");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::LetExpr, "declarations", "eqnItems");
 
 #include "tessarin/parser/ast/Expr.hpp" // completes what the handles point to

@@ -98,5 +98,5 @@ public:
 
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ConnectionFirstArg);
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ConnectionArg);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Connection);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ConnectionBlock);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Connection, "firstArg", "remainingArguments");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ConnectionBlock, "connections");

@@ -53,6 +53,11 @@ ustring DeclarationBlock::typeString(MemberType::Value type) {
   return ustring(kind_image(openings[type]));
 }
 
+ustring dump_text(MemberType::Value type) {
+  const bool isType = type >= MemberType::VARIABLE && type <= MemberType::INTERMEDIATE;
+  return nvf::widen(isType ? MemberType::name(type) : std::to_string(static_cast<int>(type)));
+}
+
 MemberType::Value DeclarationBlock::declarationType(TokenId::Value token) {
   return TokenId::memberType(token);
 }

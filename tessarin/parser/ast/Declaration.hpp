@@ -8,6 +8,7 @@
 #include "tessarin/parser/lex/MemberType.hpp"
 #include "tessarin/parser/lex/TokenId.hpp"
 
+#include <compare>
 #include <cstddef>
 #include <functional>
 #include <utility>
@@ -61,6 +62,9 @@ TESSARIN_EXPORT ustring to_string(const DeclarationItem& item, const ToStringCon
 /// The names with their value. Throws `nvf::BadGet` where the item is something else.
 TESSARIN_EXPORT const IdListValuePair& id_list_value(const DeclarationItem& item);
 
+/// The word for one member of the type; its number where it is none.
+TESSARIN_EXPORT ustring dump_text(MemberType::Value type);
+
 /// A block that declares members of one type: `parameters`, `variables`, `components` and so on.
 class TESSARIN_EXPORT DeclarationBlock
     : public nvf::TupleWrapper<DeclarationBlock*, MemberType::Value, nvf::Expressions<IdentValuePair>,
@@ -98,6 +102,7 @@ public:
   /// that differ in one of the three only stand in neither order, so a block is no key of an ordered container and has
   /// no other relational operator. `compare` is the ordinary lexicographic order.
   friend TESSARIN_EXPORT bool operator<(const DeclarationBlock& a, const DeclarationBlock& b);
+  friend std::weak_ordering operator<=>(const DeclarationBlock&, const DeclarationBlock&) = delete;
   friend bool operator>(const DeclarationBlock&, const DeclarationBlock&) = delete;
   friend bool operator<=(const DeclarationBlock&, const DeclarationBlock&) = delete;
   friend bool operator>=(const DeclarationBlock&, const DeclarationBlock&) = delete;
@@ -167,9 +172,9 @@ std::size_t
 Operations<tessarin::compiler::core::DeclarationBlock>::hash(const tessarin::compiler::core::DeclarationBlock& block);
 } // namespace nvf
 
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ObjectArrayElementDecl);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ObjectArrayElementDecl, "lhs", "rhs");
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::DeclarationItem);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::DeclarationBlock);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ImportStmt);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ClassInitializer);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::DefinitionsBlock);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::DeclarationBlock, "type", "attributes", "declarations");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ImportStmt, "importName", "isUnqualified");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ClassInitializer, "name", "args");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::DefinitionsBlock, "eqnItems", "attributes");

@@ -70,8 +70,16 @@ public:
 /// `assert(predicate, message, Warn = …)`. The range is carried beside the fields: it does not even stir the hash.
 class TESSARIN_EXPORT EqnAssertion
     : public nvf::TupleWrapper<EqnAssertion, Expr, std::variant<NoMessage, MessageObject, PreformattedMessage>,
-                               std::optional<Expr>> {
+                               std::optional<Expr>, detail::BesideValue<nvf::Range>>,
+      public nvf::SimpleAnnotation<EqnAssertion> {
 public:
+  /// The parts of a message by the names that they have inside an assertion.
+  /// @{
+  using MessageObject = core::MessageObject;
+  using MemberText = core::MemberText;
+  using RefText = core::RefText;
+  /// @}
+
   /// What is said when the predicate does not hold.
   using Message = std::variant<NoMessage, MessageObject, PreformattedMessage>;
   /// What a failed assertion does: 1 is what `Warn = true` means and 2 what `Warn = false` means.
@@ -81,14 +89,13 @@ public:
   /// `action` is absent where the source gives none.
   EqnAssertion(const Expr& predicate, const Message& message, const std::optional<Expr>& action,
                const nvf::Range& range)
-      : TupleWrapper(predicate, message, action), range_(range) {}
+      : TupleWrapper(predicate, message, action, range) {}
 
-  /// What must hold, what is said and what is done where it does not, and where it is written.
+  /// What must hold, and what is said and what is done where it does not.
   /// @{
   [[nodiscard]] const Expr& predicate() const noexcept { return get<0>(); }
   [[nodiscard]] const Message& message() const noexcept { return get<1>(); }
   [[nodiscard]] const std::optional<Expr>& action() const noexcept { return get<2>(); }
-  [[nodiscard]] nvf::Range range() const noexcept { return range_; }
   /// @}
 
   /// The text behind so many blanks.
@@ -102,15 +109,15 @@ public:
   /// `InvalidTypeForAssertAction` (not one element, or a unit) and `InvalidValueForAssertAction` (none of the three) at
   /// `location`.
   static ActionType toActionType(const nvf::Value& value, const nvf::Location& location);
-
-private:
-  nvf::Range range_;
 };
 
 /// An item of an equations block: an expression (0) or an assertion (1).
 class TESSARIN_EXPORT EqnItem : public nvf::TaggedUnion<EqnItem, Expr, EqnAssertion> {
 public:
   using TaggedUnion::TaggedUnion;
+  /// The item that is an expression of any kind.
+  template <ExprAlternative A>
+  EqnItem(A expr) : EqnItem(Expr(std::move(expr))) {} // NOLINT(google-explicit-constructor)
 };
 /// Where the item stands; the line counts from 0.
 /// @{
@@ -232,15 +239,15 @@ void Operations<tessarin::compiler::core::EqnItem>::strip(tessarin::compiler::co
 } // namespace nvf
 
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::NoMessage);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::MemberText);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::RefText);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::MessageObject);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::PreformattedMessage);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::EqnAssertion);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::MemberText, "path");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::RefText, "ref");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::MessageObject, "id", "holes");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::PreformattedMessage, "id", "text");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::EqnAssertion, "predicate", "message", "action");
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::EqnItem);
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::FunctionEqnItem);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::EquationBlock);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::WhenBranch);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ElseWhenBranch);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::WhenClause);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::EventBlock);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::EquationBlock, "eqnItems", "attributes");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::WhenBranch, "predicate", "body");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ElseWhenBranch, "predicate", "body");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::WhenClause, "whenBranch", "elseWhens");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::EventBlock, "events");

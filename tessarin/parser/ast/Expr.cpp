@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <string>
 #include <utility>
 
 namespace tessarin::compiler::core {
@@ -108,6 +109,11 @@ ustring OpExpr::typeString(OpExprType type) {
   return info(type).image;
 }
 
+ustring dump_text(OpExprType type) {
+  const auto number = static_cast<std::size_t>(type);
+  return number < operators.size() ? operators[number].image : nvf::widen(std::to_string(static_cast<int>(type)));
+}
+
 OpExprType OpExpr::operatorType(NonTerminal::Value code) {
   const auto number = static_cast<std::size_t>(code);
   return static_cast<OpExprType>(number < typesByCode.size() ? typesByCode[number] : -1);
@@ -115,9 +121,8 @@ OpExprType OpExpr::operatorType(NonTerminal::Value code) {
 
 // ---- kinds without syntax ----
 
-nvf::Range TransitionExpr::range() const {
-  return expr_range(expr());
-}
+TransitionExpr::TransitionExpr(const Expr& expr, const Expr& preCondition)
+    : TupleWrapper(expr, preCondition, expr_range(expr)) {}
 
 TESSARIN_FIXED_ID(MRVIndex::ctor, "internal_mrv_index__")
 TESSARIN_FIXED_ID(TransitionExpr::ctor, "internal_transition_expr__")

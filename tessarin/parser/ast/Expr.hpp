@@ -20,6 +20,10 @@ public:
   using TaggedUnion::TaggedUnion;
 };
 
+/// One of the kinds of an expression.
+template <class A>
+concept ExprAlternative = nvf::AlternativeOf<A, Expr>;
+
 /// The range of the alternative.
 TESSARIN_EXPORT nvf::Range expr_range(const Expr& expr);
 /// The begin of the range.
@@ -37,6 +41,18 @@ TESSARIN_EXPORT ustring to_string(const Expr& expr);
 TESSARIN_EXPORT ustring to_user_string(const Expr& expr);
 /// The default form in the local encoding.
 TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const Expr& expr);
+
+/// The same for a kind of an expression, whatever else it converts to.
+/// @{
+template <ExprAlternative A>
+ustring to_string(const A& expr, const ToStringContext& context) {
+  return to_string(Expr(expr), context);
+}
+template <ExprAlternative A>
+requires(!HasTextForm<A>) std::ostream& operator<<(std::ostream& stream, const A& expr) {
+  return stream << Expr(expr);
+}
+/// @}
 
 /// The name of an argument as an expression.
 TESSARIN_EXPORT Expr to_expr(const NamedArgumentName& name);

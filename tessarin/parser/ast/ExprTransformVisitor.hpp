@@ -59,6 +59,11 @@ public:
   virtual ValueRefTail process(const ValueRefTail& tail);
   virtual EqnItem process(const EqnItem& item);
   virtual IfExpr processIfExpr(const IfExpr& expr);
+  /// What an expression of one kind becomes.
+  template <ExprAlternative A>
+  Expr process(const A& expr) {
+    return process(Expr(expr));
+  }
   /// @}
 
   /// The `let` scopes around the node being visited.

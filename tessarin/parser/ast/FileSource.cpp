@@ -21,6 +21,11 @@ std::ostream& operator<<(std::ostream& stream, FileSource source) {
   return stream;
 }
 
+nvf::ustring dump_text(FileSource source) {
+  const auto value = static_cast<std::size_t>(source);
+  return nvf::widen(value < std::size(words) ? std::string(words[value]) : std::to_string(static_cast<int>(source)));
+}
+
 std::istream& operator>>(std::istream& stream, FileSource& source) {
   std::string word;
   stream >> word;

@@ -95,7 +95,11 @@ public:
 
 } // namespace tessarin::compiler::core
 
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::NativeFunctionCall);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::CalvexFunctionCall);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::TessarinFunctionCall);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::TessarinLocalFunctionCall);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::NativeFunctionCall, "path", "positionalArguments",
+                            "namedArguments", "noArguments");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::CalvexFunctionCall, "path", "positionalArguments",
+                            "namedArguments", "noArguments", "isEnum", "dottedEnum", "evalCompileTime");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::TessarinFunctionCall, "path", "positionalArguments",
+                            "namedArguments", "noArguments");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::TessarinLocalFunctionCall, "path", "positionalArguments",
+                            "namedArguments", "noArguments", "fcnId");

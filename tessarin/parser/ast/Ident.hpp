@@ -4,6 +4,7 @@
 #include "tessarin/export.hpp"
 #include "tessarin/foundation/identifier.hpp"
 #include "tessarin/foundation/node.hpp"
+#include "tessarin/parser/ast/TextForm.hpp"
 #include "tessarin/parser/lex/Token.hpp"
 
 #include <iosfwd>
@@ -12,8 +13,10 @@
 namespace tessarin::compiler::core {
 
 namespace detail {
+using nvf::detail::BesideValue;
+using nvf::detail::Comparable;
 using nvf::detail::IgnoreValue;
-}
+} // namespace detail
 
 class ToStringContext;
 
@@ -98,8 +101,8 @@ public:
 
 } // namespace tessarin::compiler::core
 
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Ident);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Ident, "id");
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Tilde);
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::OptIdent);
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ImplicitReference);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Name);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Name, "ids");

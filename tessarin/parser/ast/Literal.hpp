@@ -66,6 +66,6 @@ using UnitLiteral = Literal<nvf::ExprString, SingleQuoteOutputter>;
 
 } // namespace tessarin::compiler::core
 
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::NumberLiteral);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::StringLiteral);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::UnitLiteral);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::NumberLiteral, "value");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::StringLiteral, "value");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::UnitLiteral, "value");

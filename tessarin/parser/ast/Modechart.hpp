@@ -148,13 +148,14 @@ public:
 
 } // namespace tessarin::compiler::core
 
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::EntryBlock);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Mode);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ModesSection);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Transition);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::TransitionsSection);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::InitialMode);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::InitialSection);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Modechart);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ModechartDeclaration);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ModechartBlock);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::EntryBlock, "actions");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Mode, "ids", "equationBlocks", "entryBlocks");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ModesSection, "modes");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Transition, "modes", "predicate");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::TransitionsSection, "transitions");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::InitialMode, "id", "predicate");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::InitialSection, "initialModes");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Modechart, "modesSections", "transitionsSections",
+                            "initialSections");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ModechartDeclaration, "id", "modechart");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ModechartBlock, "attributes", "declarations");

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <ostream>
+#include <string>
 
 namespace tessarin::compiler::core {
 
@@ -37,6 +38,11 @@ void Printer::print(const Model& model, std::size_t indent, std::size_t step) {
   *this << u"\n";
   print(model.declarativeSections(), indent + step, step);
   blanks(indent) << u"end \n"; // the blank is intended
+}
+
+ustring dump_text(ModelType::Value type) {
+  const bool isType = type == ModelType::COMPONENT || type == ModelType::DDOMAIN;
+  return nvf::widen(isType ? ModelType::name(type) : std::to_string(static_cast<int>(type)));
 }
 
 ustring Model::string(std::size_t indent, std::size_t step) const {

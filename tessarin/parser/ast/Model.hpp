@@ -60,6 +60,10 @@ public:
 /// Writes `string(0, 2)` in the local encoding.
 TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const Model& model);
 
+/// "component" or "domain", or the number of any other value.
+TESSARIN_EXPORT ustring dump_text(ModelType::Value type);
+
 } // namespace tessarin::compiler::core
 
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Model);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Model, "type", "name", "baseClassName", "declarativeSections",
+                            "attributes", "modelSource", "setupFunction");

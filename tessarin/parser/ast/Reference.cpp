@@ -30,8 +30,9 @@ void incorporate_data(DigestSink& sink, const Subscript& s) {
 }
 
 Ordering compare(const Subscript& a, const Subscript& b) {
-  if (a.type_ != b.type_ || !a.expr_ || !b.expr_) return nvf::order(a.type_, b.type_);
-  return a.expr_ == b.expr_ ? Ordering::Equal : compare(*a.expr_, *b.expr_);
+  if (a.type_ != b.type_) return nvf::order(a.type_, b.type_);
+  if (a.expr_ == b.expr_) return Ordering::Equal;
+  return a.expr_ && b.expr_ ? compare(*a.expr_, *b.expr_) : nvf::order(bool(a.expr_), bool(b.expr_));
 }
 
 bool operator==(const Subscript& a, const Subscript& b) {

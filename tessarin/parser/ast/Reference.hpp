@@ -237,17 +237,17 @@ public:
 
 } // namespace tessarin::compiler::core
 
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Variable);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Variable, "id", "leadingPath", "tail");
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::BaseClassPathElement);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::MemberPathElement);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ArrayMemberPathElement);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::MemberPathElement, "memberIndex");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ArrayMemberPathElement, "memberIndex", "elementIndex");
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::UniquePathElement);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::FullPathVariable);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::RelativePathVariable);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ConcreteValueExpr);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IdValueIndices);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::FullPathVariable, "paths", "subs");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::RelativePathVariable, "depth", "id", "subs");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ConcreteValueExpr, "value");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IdValueIndices, "ident", "indices");
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ValueRefTail);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ValueRef);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ObjectRef);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ValueRef, "id", "leadingPath", "tail");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ObjectRef, "ref");
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::NamedArgumentName);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IdParenIds);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IdParenIds, "id", "indices");

@@ -72,6 +72,9 @@ private:
     std::apply(
         [&]<class... Fields>(const Fields&...) { changeFields(node, result, std::index_sequence_for<Fields...>()); },
         node.tuple());
+    if constexpr (std::same_as<T, TransitionExpr>) { // whose range is that of its expression
+      if (result) result.emplace(TransitionExpr(result->expr(), result->preCondition()));
+    }
     return result;
   }
   template <class T, std::size_t... I>

@@ -183,10 +183,12 @@ inline const DeclarativeSections& ElseSection::declarations() const noexcept {
 
 } // namespace tessarin::compiler::core
 
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IfSection);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ElseifSection);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ElseSection);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ConditionalSection);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::SemanticSections);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ForLoop);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::DeclarativeSections);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IfSection, "predicate", "declarations");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ElseifSection, "predicate", "declarations");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ElseSection, "declarations");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ConditionalSection, "ifSection", "elseifSections", "elseSection");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::SemanticSections, "declarationBlocks", "branchBlocks",
+                            "connectionBlocks", "equationBlocks", "eventBlocks", "modechartBlocks",
+                            "conditionalSections", "forLoops");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ForLoop, "idValuePair", "body");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::DeclarativeSections, "semanticSections", "annotationsBlocks");

@@ -26,7 +26,16 @@ public:
   /// The two sorts; the numbers enter hashes and digests.
   enum class Type : int { Colon = 0, Expression = 1 };
 
+  /// A colon at no place.
   Subscript() = default;
+  Subscript(const Subscript&) = default;
+  Subscript(Subscript&&) = default;
+  /// Takes the value before the old one goes: a part of a subscript may be assigned to it.
+  Subscript& operator=(Subscript other) noexcept {
+    swap(*this, other);
+    return *this;
+  }
+  ~Subscript() = default;
   /// A colon at a place: `type` is not checked, and there is no expression whatever it is.
   Subscript(Type type, const nvf::Location& location) : type_(type), location_(location) {}
   /// An expression at its own place.
@@ -43,8 +52,14 @@ public:
   /// ":" or the expression's text, at indent 0.
   [[nodiscard]] ustring string(ToStringContext context) const;
 
+  friend void swap(Subscript& a, Subscript& b) noexcept {
+    std::swap(a.type_, b.type_);
+    a.expr_.swap(b.expr_);
+    std::swap(a.location_, b.location_);
+  }
   friend TESSARIN_EXPORT std::size_t hash_value(const Subscript& s);
   friend TESSARIN_EXPORT void incorporate_data(DigestSink& sink, const Subscript& s);
+  /// By type; where both have one, by expression, of which none is less than any.
   friend TESSARIN_EXPORT Ordering compare(const Subscript& a, const Subscript& b);
   friend TESSARIN_EXPORT bool operator==(const Subscript& a, const Subscript& b);
   friend bool equal_ignore_annotation(const Subscript& a, const Subscript& b) { return a == b; }
@@ -128,7 +143,7 @@ TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const Arguments& 
 template <>
 inline constexpr bool nvf::hashesByValue<tessarin::compiler::core::Subscript> = true;
 
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ParenSubs);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IdParenSubs);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::NamedArgument);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Arguments);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::ParenSubs, "subs");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::IdParenSubs, "ident", "subs");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::NamedArgument, "name", "value", "isColonEquals");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::Arguments, "positional", "named");

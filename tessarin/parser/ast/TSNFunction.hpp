@@ -38,4 +38,5 @@ TESSARIN_EXPORT std::vector<const TSNFunction*> inOrderOfName(const LocalTSNFunc
 
 } // namespace tessarin::compiler::core
 
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::TSNFunction);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::TSNFunction, "name", "outputs", "inputs", "definitions",
+                            "source");

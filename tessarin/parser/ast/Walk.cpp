@@ -83,8 +83,7 @@ private:
 
 // ---- places ----
 
-/// A class that has its range at hand. A `TransitionExpr` asks what is in it, which is worse than linear when they
-/// nest.
+/// A class that has the range of all that is in it. That of a `TransitionExpr` is the range of its expression alone.
 template <class T>
 concept KnowsRange = !std::same_as<T, TransitionExpr> && requires(const T& value) {
   value.range();

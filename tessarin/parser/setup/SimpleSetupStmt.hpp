@@ -98,8 +98,8 @@ TESSARIN_EXPORT void out(std::ostream& stream, const SimpleSetupIfStmt& stmt, st
 
 } // namespace tessarin::compiler::core
 
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::SimpleSetupAsgnStmt);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::SimpleSetupErrorStmt);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::SimpleSetupWarningStmt);
-TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::SimpleSetupIfStmt);
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::SimpleSetupAsgnStmt, "lhs", "rhs");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::SimpleSetupErrorStmt, "id", "message");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::SimpleSetupWarningStmt, "id", "message");
+TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::SimpleSetupIfStmt, "predicate", "whenTrue", "whenFalse");
 TESSARIN_DECLARE_OPERATIONS(tessarin::compiler::core::SimpleSetupStmt);
