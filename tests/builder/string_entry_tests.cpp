@@ -372,7 +372,11 @@ TEST(StringEntries, ObjectReferences) {
       {"a([1, b])", "InvalidObjectRefSyntax(a([1, b]))"},
       {"a([1 2; 3])", "InvalidObjectRefSyntax(a([1 2; 3]))"},
       {"internal_object_ref__(a)", "InvalidObjectRefSyntax(internal_object_ref__(a))"},
-      {"a(x = 1).b", "UnexpectedNamedArg at 3:3"}, // what the builder refuses stays as it is
+      // what the builder refuses
+      {"a(x = 1).b", "InvalidObjectRefSyntax(a(x = 1).b)"},
+      {"a(b(x = 1).c).d", "InvalidObjectRefSyntax(a(b(x = 1).c).d)"},
+      {"{1, '??'}", "InvalidObjectRefSyntax({1, '??'})"},
+      {"internal_object_ref__(a(1))", "InvalidObjectRefSyntax(internal_object_ref__(a(1)))"},
   };
   for (const auto& [text, expected] : cases) EXPECT_EQ(object(text), expected) << text;
 
@@ -407,6 +411,8 @@ TEST(StringEntries, ValueReferences) {
       {"a(1, x = 1)", "InvalidValueRefSyntax(a(1, x = 1))"},
       {"1", "InvalidValueRefSyntax(1)"},
       {"a.", "InvalidValueRefSyntax(a.)"},
+      {"{1, '??'}", "InvalidValueRefSyntax({1, '??'})"},
+      {"a(b(x = 1).c)", "InvalidValueRefSyntax(a(b(x = 1).c))"},
   };
   for (const auto& [text, expected] : cases) EXPECT_EQ(value(text), expected) << text;
 
@@ -423,7 +429,7 @@ TEST(StringEntries, ValueReferences) {
   EXPECT_EQ(tailed("a(1).b", "c"), "[a(1)] b c of a(1).b.c");
   EXPECT_EQ(tailed("a.b(1)", "c"), "InvalidValueRefSyntax(a.b(1))");
   EXPECT_EQ(tailed("a", "b(1)"), "InvalidValueRefSyntax(a.b(1))");
-  EXPECT_EQ(tailed("a", "b({1,'+'})"), "InvalidUnitLiteral(+) at 3:8"); // parsed before it is looked at
+  EXPECT_EQ(tailed("a", "b({1,'+'})"), "InvalidValueRefSyntax(a.b({1,'+'}))");
   EXPECT_EQ(tailed("a", "1"), "InvalidValueRefSyntax(a.1)");
   EXPECT_EQ(tailed("a", ""), "InvalidValueRefSyntax(a.)");
   EXPECT_EQ(tailed("a+", "b"), "InvalidValueRefSyntax(a+)");

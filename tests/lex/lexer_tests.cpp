@@ -62,6 +62,10 @@ TEST(Lexer, WhatReachesTheParser) {
 TEST(Lexer, Places) {
   EXPECT_EQ(lex(u"a\r\n b\v\fc\rd", true),
             "ID:a@0:0 EOL@0:1 ID:b@1:1 EOL@1:2 EOL@1:3 ID:c@1:4 EOL@1:5 ID:d@2:0 EOI@2:1");
+  // CR CR is one token. Its end lies between CR and LF, and once the place there was asked for, the LF ends a line of
+  // its own.
+  EXPECT_EQ(lex(u"a\r\r\nx", true), "ID:a@0:0 EOL@0:1 EOL@2:0 ID:x@3:0 EOI@3:1");
+  EXPECT_EQ(lex(u"\r\r\r\nx", true), "EOL@0:0 EOL@2:0 ID:x@3:0 EOI@3:1");
   EXPECT_EQ(lex(u"a\n%{\n", true), "ID:a@0:0 EOL@0:1 INCOMPLETE_COMMENT@2:0 EOI@2:0");
   // The marker stands where the comment's last line ends; the end itself, behind it, leaves out a last code unit 0.
   EXPECT_EQ(lex(std::u16string_view(u"%{\nab\0", 6), true), "INCOMPLETE_COMMENT@1:3 EOI@1:2");
@@ -77,6 +81,8 @@ TEST(Lexer, LongNamesAreCutWithOneWarning) {
   ASSERT_EQ(seen.size(), 1U);
   EXPECT_EQ(seen[0].id(), warnings::MaxNameLengthExceeded(u"f.tsn:2:2", kept + u"z", 63, kept));
   EXPECT_EQ(seen[0].location(), nvf::Location(nvf::FileName("f.tsn"), nvf::LineColumn(1, 1)));
+  EXPECT_EQ(Token(TokenId::ID, nvf::Location(), Token::Text(kept + u"z")).text(), kept) << "interned before";
+  EXPECT_EQ(seen.size(), 2U);
 }
 
 TEST(Lexer, ColumnsThatDoNotFit) {
@@ -89,6 +95,17 @@ TEST(Lexer, ColumnsThatDoNotFit) {
   }
   const std::u16string fits = text.substr(1);
   EXPECT_EQ(Lexer(buffer(fits)).next().location().lineColumn().column(), nvf::LineColumn::maxColumn);
+}
+
+TEST(Lexer, PlacesDependOnWhatWasAskedBefore) {
+  const std::u16string_view text = u"\r\r\nx";
+  const auto tokenizer = Tokenizer::create();
+  tokenizer->setBuffer(text.data(), text.size(), false);
+  EXPECT_EQ(tokenizer->lineColumn(3), nvf::LineColumn(2, 0));
+  EXPECT_EQ(tokenizer->lineColumn(2), nvf::LineColumn(2, 0)) << "between CR and LF";
+  EXPECT_EQ(tokenizer->lineColumn(3), nvf::LineColumn(3, 0)) << "counted on from there";
+  EXPECT_EQ(tokenizer->lineColumn(0), nvf::LineColumn(0, 0));
+  EXPECT_EQ(tokenizer->lineColumn(3), nvf::LineColumn(2, 0)) << "in one go again";
 }
 
 class Notes : public MarkupListener {
@@ -133,6 +150,7 @@ TEST(TokenRecord, TextOnlyWhereTheCodeKeepsIt) {
   EXPECT_TRUE(name.recode(TokenId::VALUE).text().empty());
   EXPECT_EQ(name.recode(TokenId::STRING).text(), nvf::ustring(u"abc"));
   EXPECT_TRUE(Token(TokenId::IF, place, u"if", 2).text() == nvf::ustring(u"if"));
+  EXPECT_TRUE(Token(TokenId::COMMA, place, Token::Text(u",")).text().empty()) << "interned or not";
   EXPECT_EQ(Token().code(), TokenId::EMPTYTOKEN);
   const Token last(TokenId::ID, {nvf::FileName("f"), nvf::LineColumn(0, nvf::LineColumn::maxColumn)}, u"abc", 3);
   EXPECT_EQ(last.range().end().lineColumn().column(), nvf::LineColumn::maxColumn);

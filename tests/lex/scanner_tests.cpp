@@ -187,8 +187,14 @@ TEST(Scanner, EmptyLinesAndCode) {
   EXPECT_EQ(line(u"x = 1\n", State()), "ID1 WHITE1 EQUALS1 WHITE1 INT1 EOL1 code");
   EXPECT_EQ(line(u"function f", State()), "FUNCTION8 WHITE1 ID1 IEOL0");
   EXPECT_EQ(line(u"% x", State()), "COMMENT3 IEOL0");
-  // With too few free slots nothing is changed and the answer is -1.
+  // With too few free slots nothing is changed and the answer is -1, also where not a single step fits.
   State state;
+  for (std::size_t capacity = 0; capacity < Tokenizer::maxTokensPerStep; ++capacity) {
+    bool hasCode = true;
+    EXPECT_EQ(tokenizer->tokenizeLine(nullptr, capacity, state, u"", 0, &hasCode), -1);
+    EXPECT_EQ(tokenizer->tokenizeLine(nullptr, capacity, state, u"a\n", 2, &hasCode), -1);
+    EXPECT_TRUE(hasCode);
+  }
   std::vector<LexToken> few(3);
   EXPECT_EQ(tokenizer->tokenizeLine(few.data(), few.size(), state, u"a b", 3, nullptr), -1);
   EXPECT_TRUE(sameState(state, State()));

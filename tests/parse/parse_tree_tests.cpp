@@ -218,6 +218,9 @@ TEST(ParseTree, DotPath) {
       {dot(leaf("a"), node(K::ExprList)), u"a"},
       {ParseTree(), u""},
       {node(K::Dot, {leaf("a"), leaf("b")}), u"a"},
+      {node(K::Dot), u""},
+      {node(K::Subsref), u""},
+      {dot(node(K::Dot), leaf("a")), u""},
   };
   for (const auto& [tree, expected] : rows) EXPECT_EQ(dot_path(tree).string(), expected) << expressionOf(tree);
 }

@@ -49,6 +49,40 @@ TEST(Parser, TokenListenerSeesWhatTheParserSees) {
   EXPECT_EQ(codesOf("a b c"), (Codes{TokenId::ID, TokenId::ID})) << "nothing is read behind a fault";
 }
 
+TEST(Parser, AListenerMayReplaceItself) {
+  std::string seen;
+  Parser parser(bufferOf("x = 1"));
+  const auto name = [](const Token& token) { return std::string(TokenId::toString(token.code())) + " "; };
+  // The text of the first one's own is long enough to be on the heap, and is read after the replacement.
+  parser.tokenListener([&, own = std::string(100, '.')](const Token& token) {
+    parser.tokenListener([&](const Token& later) { seen += "later " + name(later); });
+    seen += own.substr(0, 1) + name(token);
+  });
+  (void)parser.parse();
+  EXPECT_EQ(seen, ".ID later EQUALS later NUMBER later EOI later EOI ");
+}
+
+TEST(Parser, ASecondParseRepeatsTheFirst) {
+  const auto faultOf = [](Parser& parser) {
+    try {
+      (void)parser.parse();
+      return std::string("no fault");
+    } catch (const nvf::LocationException& e) {
+      return nvf::encode_utf8(e.fullMessage());
+    }
+  };
+  Parser parser(bufferOf("x = = 1\ny = 2\n"));
+  const std::string first = faultOf(parser);
+  EXPECT_NE(first, "no fault");
+  EXPECT_EQ(faultOf(parser), first);
+  Parser moved(std::move(parser));
+  EXPECT_EQ(faultOf(moved), first);
+
+  Parser good(bufferOf(model));
+  const ParseTree tree = good.parse();
+  EXPECT_EQ(compare(good.parse(), tree), Ordering::Equal);
+}
+
 class CountingListener final : public MarkupListener {
 public:
   explicit CountingListener(std::string& seen) : seen_(&seen) {}

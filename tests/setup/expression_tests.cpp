@@ -86,6 +86,10 @@ TEST(SetupExpr, Unrecognized) {
     EXPECT_EQ(converted(source), "-") << source;
   }
   EXPECT_EQ(to_setup_expr(ParseTree()), std::nullopt);
+  // The parser makes a name of the "~" that stands for a result nobody wants.
+  const ParseTree tilde(Token(TokenId::ID, nvf::Location(), u"~", 1));
+  EXPECT_EQ(to_setup_expr(tilde), std::nullopt);
+  EXPECT_EQ(to_setup_expr(ParseTree(NonTerminal::Dot, {tilde, tilde, tilde})), std::nullopt);
 }
 
 /// The columns of a range, relative to the right side: `begin-end`.

@@ -7,6 +7,7 @@
 
 #include <boost/numeric/conversion/cast.hpp>
 
+#include <new>
 #include <sstream>
 #include <stdexcept>
 #include <utility>
@@ -76,6 +77,8 @@ const auto& first(const List& list, ustring_view fragment) {
 ustring checked(const std::string& text) {
   try {
     return nvf::detail::AsciiStringCheck()(text.data(), text.size()).text();
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (const std::exception&) {
     std::ostringstream shown;
     for (const char c : text) nvf::to_ascii(shown, static_cast<unsigned char>(c));
@@ -284,6 +287,8 @@ public:
       try {
         return str_to_astexpr(text_);
       } catch (const nvf::MessageException&) {
+        refuse();
+      } catch (const nvf::LocationException&) { // of the builder
         refuse();
       }
     }();

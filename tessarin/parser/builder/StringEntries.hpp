@@ -6,7 +6,7 @@
 //
 // A fragment that does not parse raises one `nvf::MessageException` about the fragment as a whole, without a place, as
 // said beside each function. The same message is raised where the text parses and the piece is not there, as for a
-// blank fragment. What the builder refuses stays a `nvf::LocationException`.
+// blank fragment. What the builder refuses stays a `nvf::LocationException`, except in the text of a reference.
 //
 // A fragment can close the model early and go on with text of its own; what the grammar makes of the whole text is the
 // result.
@@ -92,8 +92,8 @@ TESSARIN_EXPORT MemberAnnotation str_to_annotation(const std::string& text);
 // ---- references ----
 //
 // Indices are numbers or matrices of numbers, and become arrays of unsigned numbers, cut to whole ones. A number that
-// is out of range throws `boost::numeric::negative_overflow` or `boost::numeric::positive_overflow`. The references
-// have empty ranges.
+// is out of range throws `boost::numeric::negative_overflow` or `boost::numeric::positive_overflow`. Every other
+// failure, also one of the builder on the text, is the message of the function. The references have empty ranges.
 
 /// A reference to an object, such as `a(1).b(2, [3 4])`. InvalidObjectRefSyntax.
 TESSARIN_EXPORT ObjectRef str_to_objectref(const std::string& text);

@@ -45,9 +45,10 @@ Lexer::Lexer(const nvf::AsciiString& text, nvf::FileName name)
 Lexer::~Lexer() = default;
 
 void Lexer::markupNotify(std::size_t offset, std::size_t length) {
-  if (markupListener_ == nullptr) return;
+  const std::shared_ptr<MarkupListener> listener = markupListener_; // it may be replaced while it is told
+  if (listener == nullptr) return;
   const auto begin = text_.begin() + static_cast<std::ptrdiff_t>(offset);
-  markupListener_->notify(ustring(begin, begin + static_cast<std::ptrdiff_t>(length)), tokenizer_->lineColumn(offset));
+  listener->notify(ustring(begin, begin + static_cast<std::ptrdiff_t>(length)), tokenizer_->lineColumn(offset));
 }
 
 Token Lexer::next() {

@@ -32,7 +32,7 @@ public:
   /// is too far right or down for a `nvf::LineColumn`.
   Token next();
 
-  /// Sends the comments to a copy of `listener` from now on.
+  /// Sends the comments to a copy of `listener` from now on. A listener may replace itself while it is told.
   void markupListener(const MarkupListener& listener) { markupListener_ = listener.clone(); }
   /// Shows a stretch of the text to the listener, if there is one.
   void markupNotify(std::size_t offset, std::size_t length);
@@ -58,7 +58,7 @@ private:
   std::unique_ptr<Tokenizer> tokenizer_;
   std::size_t position_ = 0; // where the next token starts
   bool incompleteCommentSeen_ = false;
-  std::unique_ptr<MarkupListener> markupListener_;
+  std::shared_ptr<MarkupListener> markupListener_;
   std::vector<char16_t> text_;
 };
 

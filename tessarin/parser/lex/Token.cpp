@@ -27,6 +27,14 @@ Token::Token(TokenId::Value code, const nvf::Location& location, const char16_t*
   text(chars, length);
 }
 
+Token::Token(TokenId::Value code, const nvf::Location& location, const Text& text) : location_(location), code_(code) {
+  if (code == TokenId::ID && text.size() > maxNameLength) {
+    this->text(text.data(), text.size());
+  } else if (storeText(code)) {
+    text_ = text;
+  }
+}
+
 void Token::text(const char16_t* chars, std::size_t length) {
   if (code_ == TokenId::ID && chars != nullptr && length > maxNameLength) {
     warnOfLongName(location_, {chars, length});

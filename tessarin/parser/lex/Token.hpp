@@ -27,9 +27,8 @@ public:
   /// `chars` may be null. For the text, see the setter.
   Token(TokenId::Value code, const nvf::Location& location, const char16_t* chars, std::size_t length);
 
-  /// With a text that is interned already and that the code keeps.
-  Token(TokenId::Value code, const nvf::Location& location, const Text& text) noexcept
-      : text_(text), location_(location), code_(code) {}
+  /// With a text that is interned already; the same rules apply.
+  Token(TokenId::Value code, const nvf::Location& location, const Text& text);
 
   /// What the token is, where its first code unit stands, and its text, empty where the code keeps none.
   /// @{

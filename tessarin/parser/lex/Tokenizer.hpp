@@ -42,8 +42,12 @@ public:
   /// `out`, updates `state`, says in `hasCode`, which may be null, whether ordinary code starts a statement on the
   /// line, and returns the number of tokens. A line without a line end, even an empty one, is given one of no length.
   ///
-  /// Stops where fewer than `maxTokensPerStep` of the `capacity` slots are left. Where the tokens do not reach the
-  /// start of a line, returns -1 and leaves `state` and `hasCode` as they are.
+  /// Stops where fewer than `maxTokensPerStep` of the `capacity` slots are left, so it takes that many slots to read
+  /// anything, and two more than the line has tokens to be sure to read it whole. The result is
+  /// - -1 where the tokens that fit end inside a line, and for any capacity below `maxTokensPerStep`: what stands in
+  ///   `out` is of no use, `state` and `hasCode` are as they were, and a larger `out` may do;
+  /// - otherwise the number of tokens up to the start of a line. Where `text` holds one line, that is all of it. Where
+  ///   it holds several, the lengths of the tokens add up to what has been read, which depends on `capacity`.
   ///
   /// Only the line itself is looked at. The tokens are those that the whole text would give, except that code unit 26
   /// ends no more than its line, that a block comment which is too deep gets a line end, and that outside of models a
@@ -73,7 +77,9 @@ public:
   /// Whether a block comment is open.
   [[nodiscard]] virtual bool inBlockComment() const = 0;
   /// The line and column, from 0, of an offset in the text; one behind the end counts as the end. Lines end with LF, CR
-  /// or CR LF. Going forward takes linear time over all calls. Throws `nvf::LineColumn::ValueTooLarge`.
+  /// or CR LF. Going forward takes linear time over all calls, for the count goes on where the last call has stopped.
+  /// That shows in one case: where it has stopped between CR and LF, the LF ends another line. Throws
+  /// `nvf::LineColumn::ValueTooLarge`.
   virtual nvf::LineColumn lineColumn(std::size_t offset) = 0;
 
 protected:

@@ -102,6 +102,7 @@ LexToken TokenizerImpl::deliver() noexcept {
 std::ptrdiff_t TokenizerImpl::tokenizeLine(LexToken* out, std::size_t capacity, State& state, const char16_t* text,
                                            std::size_t length, bool* hasCode) {
   start(text, length, state, true);
+  if (capacity < maxTokensPerStep) return -1;
   std::size_t count = 0;
   while (capacity - count >= maxTokensPerStep) {
     if (length == 0 && count == 0) {

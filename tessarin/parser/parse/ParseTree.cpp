@@ -338,8 +338,11 @@ bool collectPath(const ParseTree& tree, std::vector<nvf::CxId>& path) {
     }
     switch (tree.code()) {
     case NonTerminal::Dot:
-      return collectPath(tree.child(0), path) && tree.count() > 2 && collectPath(tree.child(2), path);
-    case NonTerminal::Subsref: collectPath(tree.child(0), path); return false;
+      return tree.count() != 0 && collectPath(tree.child(0), path) && tree.count() > 2 &&
+             collectPath(tree.child(2), path);
+    case NonTerminal::Subsref:
+      if (tree.count() != 0) collectPath(tree.child(0), path);
+      return false;
     default: return false;
     }
   });

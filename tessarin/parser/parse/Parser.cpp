@@ -4,6 +4,7 @@
 
 #include "grammar.hpp"
 
+#include <exception>
 #include <stdexcept>
 #include <utility>
 
@@ -20,15 +21,25 @@ void Parser::markupListener(const MarkupListener& listener) {
   impl().lexer.markupListener(listener);
 }
 void Parser::tokenListener(std::function<void(const Token&)> listener) {
-  impl().tokenListener.swap(listener);
+  ParserState& state = impl();
+  state.tokenListener =
+      listener ? std::make_shared<const std::function<void(const Token&)>>(std::move(listener)) : nullptr;
 }
 
 ParseTree Parser::parse() {
   ParserState& state = impl();
-  state.trees.reserveFor(state.lexer.tokenizer().bufferSize());
-  Actions actions(state);
-  TSNParser(actions).parse();
-  return fold(std::make_shared<const FlatTree>(std::exchange(state.trees, FlatTree())), state.result);
+  if (state.fault) std::rethrow_exception(state.fault);
+  if (state.tree) return *state.tree;
+  try {
+    state.trees.reserveFor(state.lexer.tokenizer().bufferSize());
+    Actions actions(state);
+    TSNParser(actions).parse();
+    state.tree = fold(std::make_shared<const FlatTree>(std::exchange(state.trees, FlatTree())), state.result);
+  } catch (...) {
+    state.fault = std::current_exception();
+    throw;
+  }
+  return *state.tree;
 }
 
 ParserState& Parser::impl() {

@@ -38,11 +38,14 @@ public:
 
   /// Clones a listener, which is told of each comment, in place of the former one.
   void markupListener(const MarkupListener& listener);
-  /// Sets the function that sees each token before the parser does, in place of the former one.
+  /// Sets the function that sees each token before the parser does, in place of the former one; an empty one sets none.
+  /// The function may set another one in its place while it runs.
   void tokenListener(std::function<void(const Token&)> listener);
 
   /// The tree of the whole file, of kind `FileGoal`. The first fault ends the parse: a `nvf::LocationException` whose
   /// message is of the parse family, or what the lexer or a listener throws. Warnings go to `nvf::Warning::get()`.
+  ///
+  /// A further call does not read on: it gives the same tree, or throws the same fault, again.
   [[nodiscard]] ParseTree parse();
 
   /// The state for the other parts of the parser.

@@ -4,8 +4,12 @@
 #include "tessarin/foundation/message.hpp"
 #include "tessarin/parser/lex/Lexer.hpp"
 #include "tessarin/parser/parse/FlatTree.hpp"
+#include "tessarin/parser/parse/ParseTree.hpp"
 
+#include <exception>
 #include <functional>
+#include <memory>
+#include <optional>
 
 namespace tessarin::compiler::core {
 
@@ -13,18 +17,21 @@ struct ParserState {
   explicit ParserState(const nvf::SourceBuffer& buffer) : lexer(buffer) {}
 
   FlatTree trees;
-  NodeRef result; ///< the tree of the file, once a rule has completed it
+  NodeRef result;                ///< the tree of the file, once a rule has completed it
+  std::optional<ParseTree> tree; ///< what the parse has ended with, or
+  std::exception_ptr fault;      ///< what it has failed with
   Lexer lexer;
   Token current;                                      ///< the last token handed to the parser
   nvf::BasicTableString<char16_t> lastClosedFunction; ///< the function that `end` closed last
   int functionDepth = 0;                              ///< open functions of the statement language
   bool inEquations = false;                           ///< from the header of an equations block to its end
-  std::function<void(const Token&)> tokenListener;
+  std::shared_ptr<const std::function<void(const Token&)>> tokenListener; ///< null where there is none
 
   /// Hands the next token to the parser.
   const Token& nextToken() {
     const Token token = lexer.next();
-    if (tokenListener) tokenListener(token);
+    // A copy, for a listener may set another one while it runs.
+    if (const auto listener = tokenListener) (*listener)(token);
     return current = token;
   }
 

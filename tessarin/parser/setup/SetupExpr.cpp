@@ -23,8 +23,16 @@ Expr convert(NodeView tree);
 
 // ---- leaves ----
 
-Expr convertTerminal(const Token& token) {
-  if (token.code() == TokenId::ID) return Variable(Ident(token), {}, std::nullopt, token.range());
+/// The name that a leaf is.
+Ident identOf(NodeView leaf) {
+  // The parser reads "~" as a name, too, where a result is not wanted.
+  if (!leaf.isTerminalType(TokenId::ID) || !nvf::is_identifier(leaf.token().text().view())) throw Unrecognized();
+  return Ident(leaf.token());
+}
+
+Expr convertTerminal(NodeView leaf) {
+  const Token& token = leaf.token();
+  if (token.code() == TokenId::ID) return Variable(identOf(leaf), {}, std::nullopt, token.range());
   if (token.code() == TokenId::NUMBER) {
     const nvf::NumberString number = nvf::detail::NumberStringCheck()(token.text().view());
     if (!number.isImaginary()) return NumberLiteral(number, token.range());
@@ -79,8 +87,7 @@ Variable convertPath(NodeView path) {
     }
     const bool isDot = rest.isNonTerminalType(K::Dot);
     const NodeView name = isDot ? childOf(rest, 2) : rest;
-    if (!name.isTerminalType(TokenId::ID)) throw Unrecognized();
-    steps.emplace_back(Ident(name.token()), subs);
+    steps.emplace_back(identOf(name), subs);
     if (!isDot) break;
     rest = childOf(rest, 0);
   }
@@ -136,7 +143,7 @@ Expr convertMatrix(NodeView tree) {
 Expr convertFieldValueArray(NodeView tree) {
   // The place that a pair carries is here its own and not that of its last token: intended.
   const auto convertPair = [](NodeView pair) {
-    return IdentValuePair(Ident(childOf(pair, 0).token()), convert(childOf(pair, 2)), placeOf(pair));
+    return IdentValuePair(identOf(childOf(pair, 0)), convert(childOf(pair, 2)), placeOf(pair));
   };
   return FieldValueArrayExpr(nvf::Expressions<IdentValuePair>(mapChildren(childOf(tree, 0), convertPair)),
                              rangeOf(tree));
@@ -161,7 +168,7 @@ Expr convertNonTerminal(NodeView tree) {
 }
 
 Expr convert(NodeView tree) {
-  if (tree.type() == 0) return convertTerminal(tree.token());
+  if (tree.type() == 0) return convertTerminal(tree);
   return nvf::with_stack([&] { return convertNonTerminal(tree); });
 }
 
