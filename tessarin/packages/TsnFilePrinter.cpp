@@ -4,10 +4,10 @@
 #include "tessarin/foundation/stack.hpp"
 #include "tessarin/packages/Directory.hpp"
 #include "tessarin/packages/ModelFile.hpp"
+#include "tessarin/packages/NewFile.hpp"
 #include "tessarin/packages/TSNFunctionFile.hpp"
 
 #include <exception>
-#include <fstream>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -75,14 +75,17 @@ void TsnFilePrinter::visit(const TSNFunctionFile& file) {
 
 void TsnFilePrinter::write(const PackageEntity& file) const {
   const std::filesystem::path path = pathOf(file);
-  std::error_code ignored; // what cannot be looked at cannot be opened either
-  if (is_regular_file(path, ignored)) throw errorAt<messages::CodeGenExistingFile>(path);
-  std::ofstream stream(path, std::ios::binary);
-  if (stream.is_open()) {
-    stream << file;
-    stream.close();
+  const std::string text = nvf::ustring_to_local_encoded_string(file.string(0, 2));
+  try {
+    if (writeNewFile(path, text)) return;
+    std::error_code ignored; // what cannot be looked at is no file
+    if (!is_regular_file(path, ignored)) {
+      throw std::filesystem::filesystem_error("cannot write", path, std::make_error_code(std::errc::file_exists));
+    }
+  } catch (const std::filesystem::filesystem_error&) {
+    std::throw_with_nested(errorAt<messages::FailToOpenFile>(path)); // the nested error says why
   }
-  if (!stream) throw errorAt<messages::FailToOpenFile>(path);
+  throw errorAt<messages::CodeGenExistingFile>(path);
 }
 
 } // namespace tessarin::compiler::core

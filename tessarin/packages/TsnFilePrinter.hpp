@@ -7,9 +7,20 @@
 
 namespace tessarin::compiler::core {
 
-/// Writes entities below a directory, and overwrites nothing: the first thing that exists already, or cannot be
-/// written, ends the run with a `nvf::MessageException` of the ast family whose argument is its path:
-/// CodeGenExistingDir, CodeGenExistingFile, or FailToOpenFile. What was written before stays on the disk.
+/// Writes entities below a directory. The first thing that exists already, or cannot be written, ends the run with a
+/// `nvf::MessageException` of the ast family whose argument is its path: CodeGenExistingDir, CodeGenExistingFile, or
+/// FailToOpenFile, in which a `std::filesystem::filesystem_error` is nested that says what the system has answered,
+/// unless it is the name that leads out of its directory. What was written before stays on the disk.
+///
+/// - Nothing is overwritten, also not where another thread or process writes to the same place at the same time: one of
+///   them gets the name, and the others are told that it exists.
+/// - Nothing is written outside of the root: names are names of entries, and no link that stands where a file or a
+///   directory should be made is followed, nor is a device or a pipe that stands there opened. Only whoever replaces a
+///   directory by a link while the printer is at work in it leads it elsewhere.
+/// - A file is there whole, or it is not there, as where the disk is full. It is written under another name, which
+///   begins with ".tessarin-", in its directory first; a process that is killed meanwhile leaves that name behind.
+///
+/// A printer is used by one thread at a time; several may write below one root.
 class TESSARIN_EXPORT TsnFilePrinter final : public ASTVisitor<void> {
 public:
   /// `root` must be a directory.

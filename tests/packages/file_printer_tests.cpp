@@ -5,12 +5,17 @@
 
 #include <gtest/gtest.h>
 
+#include <barrier>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
 #include <string>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -38,8 +43,9 @@ public:
 protected:
   void print(const Entity& entity) const { TsnFilePrinter(root).printFile(*entity); }
 
-  /// Prints the entity and expects the message with the path below the root.
-  void expectRefused(const Entity& entity, const std::string& id, const fs::path& path) const {
+  /// Prints the entity and expects the message with the path below the root. FailToOpenFile nests the reason of the
+  /// system, unless there is `noReason`: the name is none of an entry.
+  void expectRefused(const Entity& entity, const std::string& id, const fs::path& path, bool noReason = false) const {
     SCOPED_TRACE(path);
     try {
       print(entity);
@@ -49,6 +55,11 @@ protected:
       EXPECT_EQ(error.id().id, id);
       const nvf::ustring text = nvf::utf8_string_to_ustring((root / path).native());
       EXPECT_EQ(error.id().arguments, std::vector<nvf::MessageArgument>{text});
+      const auto* nested = dynamic_cast<const std::nested_exception*>(&error);
+      ASSERT_EQ(nested != nullptr, id == "FailToOpenFile" && !noReason);
+      if (nested != nullptr) {
+        EXPECT_THROW(nested->rethrow_nested(), fs::filesystem_error);
+      }
     }
   }
 
@@ -113,8 +124,8 @@ TEST_F(FilePrinter, NamesStayInsideTheirDirectory) {
       {u".", "."},     {u"..", ".."},     {{u'a', u'\0', u'b'}, {'a', 0, 'b'}},
   };
   for (const auto& c : cases) {
-    expectRefused(directory(c.name, {}), "FailToOpenFile", c.path);
-    expectRefused(directory(u"", {directory(c.name, {})}), "FailToOpenFile", c.path);
+    expectRefused(directory(c.name, {}), "FailToOpenFile", c.path, true);
+    expectRefused(directory(u"", {directory(c.name, {})}), "FailToOpenFile", c.path, true);
   }
   EXPECT_TRUE(contents().empty());
   print(directory(u"...", {directory(u" a\\b:c", {})}));
@@ -127,12 +138,6 @@ TEST_F(FilePrinter, RefusesWhatCannotBeWritten) {
   expectRefused(directory(u"f", {modelFile("a")}), "FailToOpenFile", "f");
   expectRefused(modelFile("m"), "FailToOpenFile", "m.tsn");
   expectRefused(directory(nvf::ustring(300, u'x'), {}), "FailToOpenFile", std::string(300, 'x'));
-  // The nested error says why.
-  try {
-    print(directory(u"f", {}));
-  } catch (const nvf::MessageException& error) {
-    EXPECT_THROW(std::rethrow_if_nested(error), fs::filesystem_error);
-  }
   EXPECT_EQ(contents(), (std::map<std::string, std::string>{{"f", "kept"}, {"m.tsn", "/"}}));
 
   root /= "missing";
@@ -157,10 +162,100 @@ TEST_F(FilePrinter, RefusesAReadOnlyDirectory) {
   EXPECT_TRUE(contents().empty());
 }
 
-TEST_F(FilePrinter, LosesNothingSilently) {
-  if (!fs::exists("/dev/full")) GTEST_SKIP() << "this system has no device that is always full";
-  fs::create_symlink("/dev/full", root / "m.tsn");
-  expectRefused(modelFile("m"), "FailToOpenFile", "m.tsn");
+TEST_F(FilePrinter, FollowsNoLinksAndOpensNothingThatExists) {
+  const fs::path outside = root / "outside";
+  create_directory(outside);
+  const fs::path inside = root / "inside";
+  create_directory(inside);
+  std::ofstream(outside / "kept") << "kept";
+
+  root = inside;
+  fs::create_symlink(outside / "new", root / "dangling.tsn");
+  fs::create_symlink("/dev/null", root / "device.tsn");
+  fs::create_symlink(outside / "kept", root / "link.tsn");
+  fs::create_symlink(outside / "nowhere", root / "dangling");
+  fs::create_directory_symlink(outside, root / "folder");
+  ASSERT_EQ(mkfifo((root / "pipe.tsn").c_str(), 0600), 0);
+  expectRefused(modelFile("dangling"), "FailToOpenFile", "dangling.tsn");
+  expectRefused(modelFile("device"), "FailToOpenFile", "device.tsn");
+  expectRefused(modelFile("pipe"), "FailToOpenFile", "pipe.tsn");
+  expectRefused(modelFile("link"), "CodeGenExistingFile", "link.tsn");
+  expectRefused(directory(u"dangling", {modelFile("a")}), "FailToOpenFile", "dangling");
+  expectRefused(directory(u"folder", {modelFile("a")}), "CodeGenExistingDir", "folder");
+
+  root = outside;
+  EXPECT_EQ(contents(), (std::map<std::string, std::string>{{"kept", "kept"}}));
+  root = outside.parent_path();
+}
+
+TEST_F(FilePrinter, WritersAtTheSameTimeDoNotOverwrite) {
+  constexpr int rounds = 100;
+  for (int round = 0; round < rounds; ++round) {
+    const std::string name = "m" + std::to_string(round);
+    const Entity entities[] = {modelFile(name, {import("a")}), modelFile(name, {import("b")})};
+    bool isWritten[] = {false, false};
+    std::barrier start(2);
+    const auto write = [&](std::size_t i) {
+      start.arrive_and_wait();
+      try {
+        print(entities[i]);
+        isWritten[i] = true;
+      } catch (const nvf::MessageException& error) {
+        EXPECT_EQ(error.id().id, "CodeGenExistingFile");
+      }
+    };
+    std::thread other(write, 1);
+    write(0);
+    other.join();
+    ASSERT_NE(isWritten[0], isWritten[1]);
+    std::ifstream file(root / (name + ".tsn"), std::ios::binary);
+    ASSERT_EQ(std::string(std::istreambuf_iterator<char>(file), {}),
+              nvf::ustring_to_local_encoded_string(entities[isWritten[0] ? 0 : 1]->string(0, 2)));
+  }
+  EXPECT_EQ(contents().size(), std::size_t{rounds}) << "and nothing else is left";
+}
+
+/// As long as it lives, a file of the process cannot be longer: what a full disk is like.
+class FileSizeLimit {
+public:
+  explicit FileSizeLimit(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &former_);
+    const rlimit limit{bytes, former_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+  ~FileSizeLimit() {
+    setrlimit(RLIMIT_FSIZE, &former_);
+    std::signal(SIGXFSZ, handler_);
+  }
+
+private:
+  rlimit former_{};
+  void (*handler_)(int);
+};
+
+TEST_F(FilePrinter, LeavesNoHalfFileOnAFullDisk) {
+  const Entity large = modelFile("m", std::vector<ImportStmt>(1000, import("a")));
+  std::string id;
+  {
+    const FileSizeLimit limit(100);
+    try {
+      print(large);
+    } catch (const nvf::MessageException& error) {
+      id = error.id().id;
+    }
+  }
+  EXPECT_EQ(id, "FailToOpenFile");
+  EXPECT_TRUE(contents().empty());
+  print(large);
+  EXPECT_EQ(contents().size(), 1U);
+}
+
+TEST_F(FilePrinter, FilesHaveThePermissionsOfNewFiles) {
+  print(modelFile("m"));
+  std::ofstream(root / "other") << "";
+  EXPECT_EQ(status(root / "m.tsn").permissions(), status(root / "other").permissions());
 }
 
 } // namespace
