@@ -13,7 +13,7 @@
 namespace nvf {
 
 /// An array of any built-in type of elements. Copies share the elements.
-class ValueData : public detail::OrderingOperators<ValueData> {
+class TESSARIN_EXPORT ValueData : public detail::OrderingOperators<ValueData> {
 public:
   /// Holds the array.
   template <ArrayElement T>

@@ -12,8 +12,9 @@ namespace tessarin::compiler::core {
 
 /// What all calls share. `Derived` is the class of the call, `Extra` its further fields.
 template <class Derived, class... Extra>
-class FunctionCallBase : public nvf::TupleWrapper<Derived*, nvf::CxIdPath, std::vector<Expr>, std::map<nvf::CxId, Expr>,
-                                                  bool, Extra..., IgnoredRange> {
+class TESSARIN_EXPORT FunctionCallBase
+    : public nvf::TupleWrapper<Derived*, nvf::CxIdPath, std::vector<Expr>, std::map<nvf::CxId, Expr>, bool, Extra...,
+                               IgnoredRange> {
   using Base = nvf::TupleWrapper<Derived*, nvf::CxIdPath, std::vector<Expr>, std::map<nvf::CxId, Expr>, bool, Extra...,
                                  IgnoredRange>;
 

@@ -12,7 +12,7 @@ namespace tessarin::compiler::core {
 
 /// A value with its place. `Outputter` is a stateless function object that appends the literal's text.
 template <class T, class Outputter>
-class Literal : public nvf::TupleWrapper<Literal<T, Outputter>, T, IgnoredRange> {
+class TESSARIN_EXPORT Literal : public nvf::TupleWrapper<Literal<T, Outputter>, T, IgnoredRange> {
   using Base = nvf::TupleWrapper<Literal<T, Outputter>, T, IgnoredRange>;
 
 public:
