@@ -15,11 +15,35 @@ struct Kinds {
   static constexpr std::array<ArgumentKind, sizeof...(kinds)> values{kinds...};
 };
 
+/// What a message says of a text in a string.
+struct TextOfString {
+  std::string_view catalog;
+  std::string_view id;
+  std::string_view text;
+};
+
+constexpr auto textsOfStrings = std::to_array<TextOfString>({
+#define TESSARIN_MESSAGE_OF_STRING(family, name, text) {TESSARIN_FAMILY_CATALOG_##family, #name, text},
+#include "tessarin/foundation/messages.def"
+});
+
+constexpr std::string_view textOfString(std::string_view catalogName, std::string_view id) {
+  for (const TextOfString& row : textsOfStrings) {
+    if (row.id == id && row.catalog == catalogName) return row.text;
+  }
+  return {};
+}
+
 constexpr auto catalog = [] {
   using enum ArgumentKind;
   return std::to_array<MessageInfo>({
 #define TESSARIN_MESSAGE(family, name, severity, text, ...)                                                            \
-  {TESSARIN_FAMILY_CATALOG_##family, #name, Severity::severity, text, Kinds<__VA_ARGS__>::values},
+  {TESSARIN_FAMILY_CATALOG_##family,                                                                                   \
+   #name,                                                                                                              \
+   Severity::severity,                                                                                                 \
+   text,                                                                                                               \
+   Kinds<__VA_ARGS__>::values,                                                                                         \
+   textOfString(TESSARIN_FAMILY_CATALOG_##family, #name)},
 #include "tessarin/foundation/messages.def"
   });
 }();
@@ -60,10 +84,16 @@ Severity Message::severity() const {
   return info == nullptr ? Severity::Error : info->severity;
 }
 
+/// Whether the catalog has a sentence for texts in strings, and the message is about one.
+bool Message::isOfString(const MessageInfo& info) const {
+  if (info.textOfString.empty() || id_.arguments.empty()) return false;
+  return info.arguments[0] == ArgumentKind::Where ? !location_ : argumentText(id_.arguments[0]).empty();
+}
+
 ustring Message::text() const {
   ustring out;
   if (const MessageInfo* info = find_message(id_.catalog, id_.id)) {
-    appendFormatted(out, info->text, id_.arguments);
+    appendFormatted(out, isOfString(*info) ? info->textOfString : info->text, id_.arguments);
     return out;
   }
   out = widen(id_.catalog + ":" + id_.id);
@@ -74,7 +104,7 @@ ustring Message::text() const {
 ustring Message::fullMessage() const {
   const MessageInfo* info = find_message(id_.catalog, id_.id);
   const bool saysWhere = info != nullptr && !info->arguments.empty() && info->arguments[0] == ArgumentKind::Where &&
-                         !id_.arguments.empty();
+                         !id_.arguments.empty() && !isOfString(*info);
   return saysWhere ? argumentText(id_.arguments[0]) + u": " + text() : text();
 }
 

@@ -38,6 +38,8 @@ struct MessageInfo {
   std::string_view text; ///< with `{n}` for the n-th argument, from 1
   /// The sorts of the arguments, in their order.
   std::span<const ArgumentKind> arguments;
+  /// What a message about a text in a string says, which has no place or no file; empty where it says the same.
+  std::string_view textOfString;
 };
 
 /// All rows, sorted by family.
@@ -81,13 +83,16 @@ public:
   /// @}
   /// Of a message that the catalog does not know: `Error`.
   [[nodiscard]] Severity severity() const;
-  /// The sentence of the catalog with its arguments, without the place. A message that the catalog does not know shows
-  /// its id and its arguments.
+  /// The sentence of the catalog with its arguments, without the place; where the message is about a text in a string
+  /// and the catalog has a sentence for that, this one. A message that the catalog does not know shows its id and its
+  /// arguments.
   [[nodiscard]] ustring text() const;
   /// The place, where the message has one, a colon, and the sentence.
   [[nodiscard]] ustring fullMessage() const;
 
 private:
+  [[nodiscard]] bool isOfString(const MessageInfo& info) const;
+
   BaseMsgID id_;
   std::optional<Location> location_;
 };

@@ -65,10 +65,12 @@ struct CatalogMessage : BaseMsgID {
 #define TESSARIN_FAMILY_NAMESPACE_parse parse
 #define TESSARIN_FAMILY_NAMESPACE_setup setup
 #define TESSARIN_FAMILY_NAMESPACE_lex_warnings lex::warnings
+#define TESSARIN_FAMILY_NAMESPACE_check check
 #define TESSARIN_FAMILY_CATALOG_ast "kelvane:tessarin:compiler:core:ast"
 #define TESSARIN_FAMILY_CATALOG_parse "kelvane:tessarin:compiler:core:parse"
 #define TESSARIN_FAMILY_CATALOG_setup "kelvane:tessarin:compiler:core:setup"
 #define TESSARIN_FAMILY_CATALOG_lex_warnings "kelvane:tessarin:compiler:core:lex:warnings"
+#define TESSARIN_FAMILY_CATALOG_check "kelvane:tessarin:compiler:core:check"
 
 #define TESSARIN_MESSAGE(family, name, severity, text, ...)                                                            \
   namespace kelvane::tessarin::compiler::core::TESSARIN_FAMILY_NAMESPACE_##family::kinds_of_##name {                   \
@@ -90,3 +92,4 @@ struct CatalogMessage : BaseMsgID {
 #undef TESSARIN_FAMILY_NAMESPACE_parse
 #undef TESSARIN_FAMILY_NAMESPACE_setup
 #undef TESSARIN_FAMILY_NAMESPACE_lex_warnings
+#undef TESSARIN_FAMILY_NAMESPACE_check

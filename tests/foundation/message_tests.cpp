@@ -32,6 +32,7 @@ TEST(Message, EveryRowOfTheCatalogFitsItsArguments) {
       const bool wanted = n <= info.arguments.size() && info.arguments[n - 1] != ArgumentKind::Where;
       EXPECT_EQ(shown, wanted || (shown && info.arguments[n - 1] == ArgumentKind::Integer)) << info.id << ' ' << n;
     }
+    EXPECT_TRUE(info.textOfString.empty() || info.arguments.size() == 1) << info.id;
   }
   const auto count = [](std::string_view family) {
     return std::count_if(nvf::all_messages().begin(), nvf::all_messages().end(),
@@ -41,6 +42,7 @@ TEST(Message, EveryRowOfTheCatalogFitsItsArguments) {
   EXPECT_EQ(count(":parse"), 50);
   EXPECT_EQ(count(":setup"), 7);
   EXPECT_EQ(count(":warnings"), 1);
+  EXPECT_EQ(count(":check"), 1);
 }
 
 TEST(Message, ArgumentsAndTexts) {
@@ -70,6 +72,22 @@ TEST(Message, ArgumentsAndTexts) {
   EXPECT_EQ(message.id, "MaxNameLengthExceeded");
   EXPECT_EQ(message.arguments,
             (std::vector<nvf::MessageArgument>{nvf::ustring(u"w"), nvf::ustring(u"long"), 63L, nvf::ustring(u"lo")}));
+}
+
+TEST(Message, OfATextInAString) {
+  // The same message of a place in a file, and of a string, where the argument is its text.
+  const nvf::LocatedError<ast::InvalidObjectRefSyntax> located(place, false);
+  EXPECT_EQ(located.fullMessage(), u"m.tsn:3: This is not a well-formed reference to an object.");
+  const std::pair<nvf::BaseMsgID, std::u16string> ofStrings[] = {
+      {ast::InvalidObjectRefSyntax(u"a("), u"'a(' is not a well-formed reference to an object."},
+      {ast::InvalidValueRefSyntax(u"a("), u"'a(' is not a well-formed reference to a value."},
+      {ast::InvalidFullPathVariableSyntax(u"a("), u"'a(' is not a well-formed full path."},
+      {parse::LineColumnTooLarge(u""), u"A line of the string is too long, or the string has too many lines."},
+  };
+  for (const auto& [id, text] : ofStrings) {
+    EXPECT_EQ(Message(id).text(), text);
+    EXPECT_EQ(Message(id).fullMessage(), text);
+  }
 }
 
 TEST(Message, TwoThatReadAlikeDifferInSeverity) {
