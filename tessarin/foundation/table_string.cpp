@@ -1,5 +1,7 @@
 #include "tessarin/foundation/table_string.hpp"
 
+#include "tessarin/foundation/interned_texts.hpp"
+
 #include <array>
 #include <atomic>
 #include <chrono>
@@ -12,6 +14,7 @@
 #include <new>
 #include <random>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace nvf::detail {
@@ -93,6 +96,7 @@ public:
     left_ -= bytes;
     return result;
   }
+  [[nodiscard]] std::size_t size() const noexcept { return size_; }
 
 private:
   static constexpr std::size_t alignment = alignof(TableEntry);
@@ -102,6 +106,7 @@ private:
 
   char* newBlock(std::size_t bytes) {
     blocks_.push_back(std::make_unique_for_overwrite<char[]>(bytes));
+    size_ += bytes;
     return blocks_.back().get();
   }
 
@@ -109,6 +114,7 @@ private:
   char* next_ = nullptr;
   std::size_t left_ = 0;
   std::size_t blockSize_ = smallestBlock;
+  std::size_t size_ = 0; // of all blocks
 };
 
 /// A part of the table with a lock of its own for writers. Readers probe an open-addressed array of atomic pointers: an
@@ -122,7 +128,14 @@ public:
     return insert(text, size, hash);
   }
 
-  Shard() { slots_.store(newSlots(64), std::memory_order_release); }
+  void addTo(InternedTexts& sum) {
+    const std::scoped_lock lock(mutex_);
+    sum.count += count_;
+    sum.bytes += arena_.size();
+    for (const auto& slots : all_) sum.bytes += (slots->mask + 1) * sizeof slots->entries[0];
+  }
+
+  Shard() { use(std::make_unique<Slots>(64)); }
 
 private:
   /// The slots that are looked at for a text. An entry that finds no room in them goes to `crowded_`: texts that were
@@ -181,18 +194,20 @@ private:
     return entry;
   }
 
-  Slots* newSlots(std::size_t capacity) {
-    all_.push_back(std::make_unique<Slots>(capacity));
+  /// The last array is the one that is in use.
+  Slots* use(std::unique_ptr<Slots> slots) {
+    all_.push_back(std::move(slots));
+    slots_.store(all_.back().get(), std::memory_order_release);
     return all_.back().get();
   }
 
+  /// Where memory ends on the way, the old array stays in use; what `crowded_` has got meanwhile does no harm.
   Slots* grow(const Slots& old) {
-    Slots* larger = newSlots(2 * (old.mask + 1));
+    auto larger = std::make_unique<Slots>(2 * (old.mask + 1));
     for (std::size_t i = 0; i <= old.mask; ++i) {
       if (const TableEntry* entry = old.entries[i].load(std::memory_order_relaxed)) place(*larger, entry);
     }
-    slots_.store(larger, std::memory_order_release);
-    return larger;
+    return use(std::move(larger));
   }
 
   std::atomic<const Slots*> slots_ = nullptr;
@@ -210,6 +225,9 @@ public:
     const std::size_t hash = hashText(secret_, text, size);
     return shards_[hash >> (64 - shardBits)].intern(text, size, hash);
   }
+  void addTo(InternedTexts& sum) {
+    for (Shard<CharT>& shard : shards_) shard.addTo(sum);
+  }
 
 private:
   static constexpr unsigned shardBits = 6;
@@ -219,14 +237,34 @@ private:
 
 } // namespace
 
+namespace {
+
+template <class CharT>
+Table<CharT>& table() {
+  // Never destroyed: strings with static storage must stay valid to the last moment of the process.
+  static auto& instance = *new Table<CharT>;
+  return instance;
+}
+
+} // namespace
+
 template <class CharT>
 const TableEntry* intern(const CharT* text, std::size_t size) {
-  // Never destroyed: strings with static storage must stay valid to the last moment of the process.
-  static auto& table = *new Table<CharT>;
-  return table.intern(text, size);
+  return table<CharT>().intern(text, size);
 }
 
 template TESSARIN_EXPORT const TableEntry* intern(const char16_t*, std::size_t);
 template TESSARIN_EXPORT const TableEntry* intern(const char*, std::size_t);
 
 } // namespace nvf::detail
+
+namespace nvf {
+
+InternedTexts interned_texts() {
+  InternedTexts sum;
+  detail::table<char16_t>().addTo(sum);
+  detail::table<char>().addTo(sum);
+  return sum;
+}
+
+} // namespace nvf

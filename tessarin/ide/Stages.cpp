@@ -14,7 +14,18 @@ namespace tessarin::ide {
 using namespace compiler::core;
 
 TSNFile buildFile(const nvf::SourceBuffer& source) {
-  const ASTBuilder builder(nvf::DefaultValueTokensToValue{});
+  return buildFile(source, nullptr);
+}
+
+TSNFile buildFile(const nvf::SourceBuffer& source, const nvf::WarningSink& silent) {
+  ASTBuilder builder(nvf::DefaultValueTokensToValue{});
+  if (silent) {
+    builder.unreadTokenListener([&silent](const Token& token) {
+      using kelvane::tessarin::compiler::core::check::NameReadAsTime;
+      const nvf::Location& place = token.location();
+      silent(nvf::Message(NameReadAsTime(nvf::file_line_column_message(place), token.text().view()), place));
+    });
+  }
   return builder.buildTSNFile(Parser(source).parse(), FileSource::open);
 }
 

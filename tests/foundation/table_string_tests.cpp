@@ -1,3 +1,4 @@
+#include "tessarin/foundation/interned_texts.hpp"
 #include "tessarin/foundation/table_string.hpp"
 
 #include "support/large.hpp"
@@ -46,6 +47,18 @@ TEST(TableString, HoldsAnyCodeUnit) {
   EXPECT_EQ(interned.size(), 4U);
   EXPECT_EQ(interned, text);
   EXPECT_NE(interned, UString(u"a"));
+}
+
+TEST(TableString, TheTableTellsHowMuchItHolds) {
+  const nvf::InternedTexts before = nvf::interned_texts();
+  const std::u16string large(100'000, u'x');
+  for (int i = 0; i < 2; ++i) {
+    const nvf::BasicTableString<char16_t> once(large);
+    const nvf::BasicTableString<char> narrow("a narrow text that no other test has");
+    const nvf::InternedTexts now = nvf::interned_texts();
+    EXPECT_EQ(now.count, before.count + 2) << "each is kept once";
+    EXPECT_GE(now.bytes, before.bytes + sizeof(char16_t) * large.size());
+  }
 }
 
 TEST(TableString, OrdersByUnitAPrefixBeingLess) {

@@ -122,15 +122,14 @@ Outcome outcomeOfFile(const Sample& sample) {
   Outcome outcome;
   std::optional<tool::Source> source;
   const tool::Report report(sample.file, source, false);
-  const auto failure = tool::observe(
-      [&](const nvf::Message& message) {
-        const tool::Finding finding(message);
-        outcome.add("warning ", finding, report.warning(finding));
-      },
-      [&] {
-        source = tool::Source::read(sample.file);
-        static_cast<void>(ide::setupFunctionOf(ide::buildFile(source->buffer())));
-      });
+  const auto warn = [&](const nvf::Message& message) {
+    const tool::Finding finding(message);
+    outcome.add("warning ", finding, report.warning(finding));
+  };
+  const auto failure = tool::observe(warn, [&] {
+    source = tool::Source::read(sample.file);
+    static_cast<void>(ide::setupFunctionOf(ide::buildFile(source->buffer(), warn)));
+  });
   if (failure) outcome.add("error ", std::get<tool::Finding>(*failure), report.failure(*failure));
   return outcome;
 }
@@ -207,7 +206,9 @@ std::string argumentsOf(const nvf::MessageInfo& info) {
 
 std::string pageEntryOf(const nvf::MessageInfo& info, const std::string& samples) {
   const char* severity = info.severity == nvf::Severity::Error ? "error" : "warning";
-  return "### " + std::string(info.id) + "\n\n**" + severity + "**: " + std::string(info.text) + "\n\n" +
+  const std::string ofString =
+      info.textOfString.empty() ? "" : "Of a text in a string: " + std::string(info.textOfString) + "\n\n";
+  return "### " + std::string(info.id) + "\n\n**" + severity + "**: " + std::string(info.text) + "\n\n" + ofString +
          argumentsOf(info) + samples;
 }
 

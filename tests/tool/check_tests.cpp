@@ -50,6 +50,11 @@ TEST(CheckCommand, ShowsTheLineAndTheColumn) {
       {"a = '\x1B[2J\u202E'; x = ;\n", "1:18: error: @\na = '\u241B[2J\uFFFD'; x = ;\n                 ^\n"},
       // All line ends count.
       {"a = 1\rb = 2\r\nx = ;", "3:5: error: @\nx = ;\n    ^\n"},
+      // Tildes reach to the end of the token, in columns of the terminal; where no token is, there is a caret alone.
+      {"x = 2 value1;\n", "1:7: error: @\nx = 2 value1;\n      ^~~~~~\n"},
+      {"x = 2 '漢\u0301';\n", "1:7: error: @\nx = 2 '漢\u0301';\n      ^~~~\n"},
+      {"x = 2 'open\n", "1:7: error: @\nx = 2 'open\n      ^~~~~\n"},
+      {"x = [1 2\n", "2:1: error: @\n"},
       // Of long lines the surroundings are shown.
       {blanks + "x = ;" + blanks, "1:305: error: @\n…" + std::string(96, ' ') + "x = ;" + std::string(99, ' ') + "…\n" +
                                       std::string(101, ' ') + "^\n"},
@@ -77,7 +82,8 @@ TEST(CheckCommand, FaultsWithoutASourceLine) {
   folder.write("utf.tsn", "x\xC0");
   const ToolResult result = runTool(folder, {"check", "end.tsn", "fatal.tsn", "cast.tsn", "utf.tsn", "gone.tsn"});
   EXPECT_EQ(result.out,
-            "end.tsn:2:1: error: The text ends in the middle of a statement. [IncompleteStatement]\n"
+            "end.tsn:2:1: error: The text ends too early: an 'end' is missing, or the last statement is not complete. "
+            "[IncompleteStatement]\n"
             "fatal.tsn: internal error: non-terminal (parser/parse/NonTerminalData:34, "
             "virtual const tessarin::compiler::core::Token& tessarin::compiler::core::NonTerminalData::token() const)\n"
             "cast.tsn: error: refused with boost::bad_lexical_cast: "
@@ -87,6 +93,32 @@ TEST(CheckCommand, FaultsWithoutASourceLine) {
             "5 files checked: 5 errors, 0 warnings\n");
   EXPECT_EQ(result.error, "");
   EXPECT_EQ(result.status, 2);
+}
+
+TEST(CheckCommand, WarnsOfNamesThatAreReadAsTime) {
+  struct Case {
+    std::string expression;
+    std::string report;
+  };
+  const std::string text =
+      " is not read as a name here: 'time' takes its place. Write the braces and what is in them in "
+      "one line. [NameReadAsTime]\n";
+  const Case cases[] = {
+      {"{x, 'm'}", ""},
+      {"{\n 1, 'm'}", ""},
+      {"{\n [xy], 'm'}", "f.tsn:4:3: warning: 'xy'" + text + " [xy], 'm'}\n  ^~\n"},
+      {"{\n xy, 'm'}", "f.tsn:4:2: warning: 'xy'" + text + " xy, 'm'}\n ^~\n"},
+      {"{\n 1 + xy, 'm'}", "f.tsn:4:6: warning: 'xy'" + text + " 1 + xy, 'm'}\n     ^~\n"},
+      {"{\n x, 'm'} + {\n y, 'm'}", // as the builder comes by them, which is from the right
+       "f.tsn:5:2: warning: 'y'" + text + " y, 'm'}\n ^\n" + "f.tsn:4:2: warning: 'x'" + text + " x, 'm'} + {\n ^\n"},
+  };
+  const TemporaryFolder folder;
+  for (const Case& c : cases) {
+    folder.write("f.tsn", "component f\n equations\n  a == " + c.expression + ";\n end\nend\n");
+    const ToolResult result = runTool(folder, {"check", "f.tsn"});
+    EXPECT_EQ(result.out.substr(0, result.out.find("1 file checked")), c.report);
+    EXPECT_EQ(result.status, 0);
+  }
 }
 
 TEST(CheckCommand, FilesBelowFoldersInOrder) {
@@ -139,14 +171,14 @@ TEST(CheckCommand, Json) {
   const ToolResult result = runTool(folder, {"check", "--json", "a", "gone.tsn"});
   EXPECT_EQ(json::parse(result.out), json::parse(R"({
     "files":[
-      {"path":"a/bad.tsn","fault":{"family":"parse","id":"UnexpectedSep","arguments":[],"line":0,"column":4},
-       "warnings":[]},
+      {"path":"a/bad.tsn","fault":{"family":"parse","id":"UnexpectedSep","arguments":[],"line":0,"column":4,
+        "endLine":0,"endColumn":5},"warnings":[]},
       {"path":"a/fatal.tsn","fatal":{"text":"non-terminal","source":"parser/parse/NonTerminalData","line":34,"signature":
        "virtual const tessarin::compiler::core::Token& tessarin::compiler::core::NonTerminalData::token() const"},
        "warnings":[]},
       {"path":"a/good.tsn","warnings":[]},
       {"path":"a/named.tsn","warnings":[{"family":"parse","id":"InconsistentModelNameAndFileName",
-       "arguments":["other"],"line":0,"column":10}]},
+       "arguments":["other"],"line":0,"column":10,"endLine":0,"endColumn":15}]},
       {"path":"a/utf.tsn","error":["nvf::InvalidUtf8","invalid UTF-8 at byte 0, line 1, column 1"],"warnings":[]},
       {"path":"gone.tsn","error":["tessarin::tool::UnreadableFile","cannot be read: No such file or directory"],
        "warnings":[]}],

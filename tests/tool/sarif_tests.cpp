@@ -25,6 +25,7 @@ const json shape = json::parse(R"({
         "id": "[a-z:]+:[A-Za-z0-9]+",
         "name": "[A-Za-z0-9]+",
         "shortDescription": {"text": ".+"},
+        "help": {"text": ".+"},
         "defaultConfiguration": {"level": "warning|error"}
       }]
     }},
@@ -46,8 +47,9 @@ const json shape = json::parse(R"({
       "message": {"text": ".+"},
       "locations": [{"physicalLocation": {
         "artifactLocation": {"uri": "(file:///)?[-A-Za-z0-9._~%/]+"},
-        "region?": {"startLine": 1, "startColumn?": 1}
-      }}]
+        "region?": {"startLine": 1, "startColumn?": 1, "endLine?": 1, "endColumn?": 1}
+      }}],
+      "partialFingerprints": {"ruleAndLine/v1": "[0-9a-f]{16}:[0-9]+"}
     }]
   }]
 })");
@@ -147,7 +149,9 @@ TEST(Sarif, ResultsAndNotifications) {
       "a%20%C3%A9/empty.tsn: error: The text is neither a model file nor a function file. [ast:InvalidTsnFile]",
       "a%20%C3%A9/named.tsn:3:3: warning: The name '" + name + "n' is longer than 63 characters and is cut to '" +
           name + "'. [lex:warnings:MaxNameLengthExceeded]",
-      "a%20%C3%A9/named.tsn:5:2: error: An operator is missing before this. [parse:MissingOperator]",
+      "a%20%C3%A9/named.tsn:5:2: error: This cannot stand here: an operator or a separator is missing before it, or a "
+      "keyword is "
+      "misspelt or out of place. [parse:MissingOperator]",
       std::string("a%20%C3%A9/setup.tsn:3: error: This statement cannot be used in a setup function. ") +
           "[setup:SimpleSetupUnsupportedStatement]",
       "%3Cstdin%3E: error: The text is neither a model file nor a function file. [ast:InvalidTsnFile]",
@@ -172,7 +176,13 @@ TEST(Sarif, Rules) {
   folder.write("b.tsn", "component c\nend\n");
   folder.write("c.tsn", "component c\nequations\n x = ;\nend\nend\n");
   // Single braces would stand for placeholders.
-  EXPECT_EQ(check(folder, {"."})["tool"]["driver"]["rules"], json::parse(R"([
+  json rules = check(folder, {"."})["tool"]["driver"]["rules"];
+  for (json& rule : rules) {
+    EXPECT_NE(rule["help"]["text"].get<std::string>().find("'" + rule["name"].get<std::string>() + "'"),
+              std::string::npos);
+    rule.erase("help");
+  }
+  EXPECT_EQ(rules, json::parse(R"([
     {"id": "parse:CellArrayInDeclarativeConstruct", "name": "CellArrayInDeclarativeConstruct",
      "shortDescription": {"text": "A list in braces must be a value with a unit, such as {{1, 'm'}}."},
      "defaultConfiguration": {"level": "error"}},
@@ -181,6 +191,26 @@ TEST(Sarif, Rules) {
      "defaultConfiguration": {"level": "warning"}},
     {"id": "parse:BisonSyntaxError", "name": "BisonSyntaxError",
      "shortDescription": {"text": "BisonSyntaxError"}, "defaultConfiguration": {"level": "error"}}])"));
+}
+
+TEST(Sarif, EndsAndFingerprints) {
+  const TemporaryFolder folder;
+  const std::string name(64, 'n');
+  const std::string inputs = " inputs\n  " + name + ";\n end\n";
+  folder.write("f.tsn", "component f\n" + inputs + inputs + "end\n");
+  const auto resultsOf = [&] { return check(folder, {"f.tsn"})["results"]; };
+  const auto regionOf = [](const json& result) { return result["locations"][0]["physicalLocation"]["region"]; };
+  const json before = resultsOf();
+  ASSERT_EQ(before.size(), 2U);
+  EXPECT_EQ(regionOf(before[0]), json::parse(R"({"startLine":3,"startColumn":3,"endLine":3,"endColumn":67})"));
+  EXPECT_NE(before[0]["partialFingerprints"], before[1]["partialFingerprints"]);
+
+  folder.write("f.tsn", "% a line more\ncomponent f\n" + inputs + inputs + "end\n");
+  const json after = resultsOf();
+  for (std::size_t i = 0; i < 2; ++i) {
+    EXPECT_NE(regionOf(after[i]), regionOf(before[i]));
+    EXPECT_EQ(after[i]["partialFingerprints"], before[i]["partialFingerprints"]);
+  }
 }
 
 TEST(Sarif, NothingFound) {

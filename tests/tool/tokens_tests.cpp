@@ -38,12 +38,13 @@ TEST(TokensCommand, Json) {
        R"({"tokens":[["ID","x",0,0],["EQUALS","",0,2],["STRING","'\uD83D\uDE00\u0001\"'",0,4],["SEMI","",0,10],
                      ["VALUE","",0,12],["EOI","",0,17]],"warnings":[]})"},
       // Two names that are too long: the text is cut, and each is warned of where it stands.
-      {longName + "\r\n " + longName, R"({"tokens":[["ID",")" + shortName + R"(",0,0],["EOL","",0,66],["ID",")" +
-                                          shortName + R"(",1,1],["EOI","",1,67]],"warnings":[)" +
-                                          R"({"family":"lex:warnings","id":"MaxNameLengthExceeded","arguments":[")" +
-                                          longName + R"(",63,")" + shortName + R"("],"line":0,"column":0},)" +
-                                          R"({"family":"lex:warnings","id":"MaxNameLengthExceeded","arguments":[")" +
-                                          longName + R"(",63,")" + shortName + R"("],"line":1,"column":1}]})"},
+      {longName + "\r\n " + longName,
+       R"({"tokens":[["ID",")" + shortName + R"(",0,0],["EOL","",0,66],["ID",")" + shortName +
+           R"(",1,1],["EOI","",1,67]],"warnings":[)" +
+           R"({"family":"lex:warnings","id":"MaxNameLengthExceeded","arguments":[")" + longName + R"(",63,")" +
+           shortName + R"("],"line":0,"column":0,"endLine":0,"endColumn":66},)" +
+           R"({"family":"lex:warnings","id":"MaxNameLengthExceeded","arguments":[")" + longName + R"(",63,")" +
+           shortName + R"("],"line":1,"column":1,"endLine":1,"endColumn":67}]})"},
       {"a\n%{\nopen", R"({"tokens":[["ID","a",0,0],["EOL","",0,1],["INCOMPLETE_COMMENT","",2,4],["EOI","",2,4]],
                           "warnings":[]})"},
   };
@@ -110,7 +111,8 @@ TEST(TokensCommand, WarningsAreTextOnStandardError) {
   const ToolResult result = runTool(folder, {"tokens", "f.tsn"});
   EXPECT_EQ(result.error, "f.tsn:1:3: warning: The name '" + longName +
                               "' is longer than 63 characters and is cut to '" + longName.substr(0, 63) +
-                              "'. [MaxNameLengthExceeded]\nx " + longName + "\n  ^\n");
+                              "'. [MaxNameLengthExceeded]\nx " + longName + "\n  ^" +
+                              std::string(longName.size() - 1, '~') + "\n");
   EXPECT_EQ(result.status, 0);
 }
 

@@ -24,12 +24,14 @@ TEST(TreeCommand, Json) {
        0},
       // A fault comes with the warnings before it, and without a tree.
       {"component other\n equations\n  x == if a, 1 end;\n end\nend\n",
-       R"({"fault":{"family":"parse","id":"IfWithNoElse","arguments":[],"line":2,"column":15},"warnings":[]})", 1},
+       R"({"fault":{"family":"parse","id":"IfWithNoElse","arguments":[],"line":2,"column":15,
+           "endLine":2,"endColumn":18},"warnings":[]})",
+       1},
       {"component other\nend\n", R"x({"tree":["FileGoal",[["ImportStmtList",[]],["Model",[
            {"t":"COMPONENT","x":"component","l":0,"c":0},["AvPairs",[]],{"t":"ID","x":"other","l":0,"c":10},
            {"t":"EMPTYTOKEN","x":"","l":0,"c":0}]],["TSNFunctions",[]]]],
            "warnings":[{"family":"parse","id":"InconsistentModelNameAndFileName","arguments":["other"],
-                        "line":0,"column":10}]})x",
+                        "line":0,"column":10,"endLine":0,"endColumn":15}]})x",
        0},
       // What the library takes for a defect of its own does not end the tool.
       {"component f\n function a.b\n  y = 2;\n end\nend\n", R"({"fatal":{"text":"non-terminal",

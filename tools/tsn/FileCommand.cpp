@@ -26,7 +26,7 @@ Status answerText(const std::string& path, const FileAnswer& how, Console& conso
 
 /// Writes the document: the answer, where there is no failure.
 void writeDocument(const FileAnswer& how, const std::function<void(JsonWriter&)>& writeAnswer,
-                   const std::optional<Failure>& failure, const std::vector<nvf::Message>& warnings, Console& console) {
+                   const std::optional<Failure>& failure, const std::vector<Finding>& warnings, Console& console) {
   console.beginDocument();
   JsonWriter json(console.out());
   if (how.isWholeDocument && !failure) {
@@ -39,7 +39,7 @@ void writeDocument(const FileAnswer& how, const std::function<void(JsonWriter&)>
       writeAnswer(json);
     }
     json.key("warnings").beginArray();
-    for (const nvf::Message& warning : warnings) writeJson(json, Finding(warning));
+    for (const Finding& warning : warnings) writeJson(json, warning);
     json.endArray().endObject();
   }
   console.out() << '\n';
@@ -47,10 +47,15 @@ void writeDocument(const FileAnswer& how, const std::function<void(JsonWriter&)>
 }
 
 Status answerJson(const std::string& path, const FileAnswer& how, Console& console) {
-  std::vector<nvf::Message> warnings;
+  std::optional<Source> source;
+  std::vector<Finding> warnings;
   std::function<void(JsonWriter&)> writeAnswer;
-  auto failure = observe([&](const nvf::Message& message) { warnings.push_back(message); },
-                         [&] { writeAnswer = how.json(Source::read(path)); });
+  auto failure = observe([&](const nvf::Message& message) { warnings.emplace_back(message); },
+                         [&] {
+                           source = Source::read(path);
+                           writeAnswer = how.json(*source);
+                         });
+  if (source) addEnds(*source, warnings, failure);
   if (!failure) {
     // Where the answer cannot be written down, the failure stands in its place.
     failure =

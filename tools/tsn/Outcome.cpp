@@ -1,7 +1,5 @@
 #include "Outcome.hpp"
 
-#include "Source.hpp"
-
 #include <algorithm>
 #include <cstdlib>
 #include <cxxabi.h>
@@ -115,6 +113,14 @@ Finding::Finding(const nvf::MessageException& exception) : Finding(exception.mes
   if (!line && !exception.stack().empty()) line = exception.stack().front().line;
 }
 
+void addEnds(const Source& source, std::vector<Finding>& warnings, std::optional<Failure>& failure) {
+  const auto addEnd = [&source](Finding& finding) {
+    if (finding.column) finding.endColumn = source.endOfToken(*finding.line, *finding.column);
+  };
+  for (Finding& warning : warnings) addEnd(warning);
+  if (auto* fault = failure ? std::get_if<Finding>(&*failure) : nullptr) addEnd(*fault);
+}
+
 std::optional<Failure> observe(const nvf::WarningSink& sink, const std::function<void()>& stage) {
   const nvf::ScopedWarningSink scope([&sink](const nvf::Message& message) {
     if (!isOnNameOfStandardInput(message)) sink(message);
@@ -166,6 +172,10 @@ void writeJson(JsonWriter& json, const Finding& finding) {
   writeJson(json, finding.line);
   json.key("column");
   writeJson(json, finding.column);
+  if (finding.endColumn) {
+    json.key("endLine").number(*finding.line);
+    json.key("endColumn").number(*finding.endColumn);
+  }
   json.endObject();
 }
 

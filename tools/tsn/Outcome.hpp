@@ -6,6 +6,7 @@
 #include "tessarin/foundation/warning.hpp"
 
 #include "JsonWriter.hpp"
+#include "Source.hpp"
 #include "Status.hpp"
 
 #include <cstddef>
@@ -14,6 +15,7 @@
 #include <string>
 #include <string_view>
 #include <variant>
+#include <vector>
 
 namespace tessarin::tool {
 
@@ -22,6 +24,8 @@ struct Finding {
   nvf::Message message;
   std::optional<std::size_t> line;   ///< from 0
   std::optional<std::size_t> column; ///< from 0, in UTF-16 code units; where it is known, so is the line
+  /// The column behind the token at the place, which ends on the same line; nothing before it is looked for.
+  std::optional<std::size_t> endColumn;
 
   /// The place is that of the message.
   explicit Finding(const nvf::Message& message);
@@ -42,6 +46,9 @@ struct OtherException {
 /// Why there is no answer: a fault in the input, a fatal diagnostic, or another exception.
 using Failure = std::variant<Finding, nvf::FatalDiagnostic, OtherException>;
 
+/// Looks for the ends of findings in the input that they are about.
+void addEnds(const Source& source, std::vector<Finding>& warnings, std::optional<Failure>& failure);
+
 /// Runs `stage`, with its warnings going to `sink`, and returns what it throws as a failure. Standard input has no name
 /// that a model could differ from, so warnings that say so are dropped. Safe from any thread, once
 /// `nvf::throw_fatal_error` handles fatal diagnostics.
@@ -57,8 +64,8 @@ std::string sentence(const OtherException& error);
 /// The family of a message: what stands in the name of its catalog behind the part that all have in common.
 std::string_view familyOf(const nvf::BaseMsgID& id);
 
-/// Writes `{"family":…,"id":…,"arguments":[…],"line":…,"column":…}`. The argument that says where is left out, for line
-/// and column say it.
+/// Writes `{"family":…,"id":…,"arguments":[…],"line":…,"column":…,"endLine":…,"endColumn":…}`. The argument that says
+/// where is left out, for line and column say it. A place that is not known is null, an end that is not known left out.
 void writeJson(JsonWriter& json, const Finding& finding);
 /// Writes the member of an object that stands in the place of the answer: "fault", "fatal" or "error".
 void writeJsonMember(JsonWriter& json, const Failure& failure);

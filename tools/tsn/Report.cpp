@@ -23,15 +23,28 @@ constexpr std::string_view ellipsis = "…";
 struct Window {
   nvf::ustring_view text;
   std::size_t column;
+  std::size_t endColumn;
   bool isCutBefore;
   bool isCutBehind;
 };
 
-Window windowOf(nvf::ustring_view line, std::size_t column) {
+Window windowOf(nvf::ustring_view line, std::size_t column, std::size_t endColumn) {
   column = std::min(column, line.size());
   const std::size_t begin = column > surroundings ? column - surroundings : 0;
   const std::size_t length = column - begin + surroundings;
-  return {line.substr(begin, length), column - begin, begin > 0, begin + length < line.size()};
+  const nvf::ustring_view text = line.substr(begin, length);
+  return {text, column - begin, std::min(endColumn - begin, text.size()), begin > 0, begin + length < line.size()};
+}
+
+/// How many columns of a terminal the text takes.
+std::size_t widthOf(nvf::ustring_view text) {
+  std::size_t width = 0;
+  for (std::size_t i = 0; i < text.size();) {
+    const Character character = characterAt(text, i);
+    width += static_cast<std::size_t>(isPrintable(character.code) ? columnsOf(character.code) : 1);
+    i += character.length;
+  }
+  return width;
 }
 
 /// How much of a word in a message is shown, in UTF-16 code units: names may be as long as the input.
@@ -128,7 +141,9 @@ std::string Report::snippet(const Finding& finding) const {
   const nvf::ustring_view line = source_->line(*finding.line);
   if (line.empty()) return {};
 
-  const Window window = windowOf(line, finding.column.value_or(0));
+  const std::size_t column = finding.column.value_or(0);
+  const std::size_t end = finding.column ? source_->endOfToken(*finding.line, column) : column;
+  const Window window = windowOf(line, column, end);
   std::string out;
   if (window.isCutBefore) out += ellipsis;
   out += oneColumnEach(window.text);
@@ -138,7 +153,9 @@ std::string Report::snippet(const Finding& finding) const {
 
   if (window.isCutBefore) out += ' ';
   out += marginOf(window.text.substr(0, window.column));
-  out += coloured(green, "^");
+  const nvf::ustring_view token =
+      window.text.substr(window.column, window.endColumn - std::min(window.column, window.endColumn));
+  out += coloured(green, "^" + std::string(std::max<std::size_t>(widthOf(token), 1) - 1, '~'));
   out += '\n';
   return out;
 }

@@ -12,12 +12,12 @@ namespace tessarin::tool {
 
 /// Writes findings about one input, such as
 ///
-///   wall.tsn:4:7: error: An 'if' expression needs an 'else' branch. [IfWithNoElse]
-///       y = if a, 1 end;
-///           ^
+///   wall.tsn:4:18: error: An 'if' expression needs an 'else' branch. [IfWithNoElse]
+///       y == if a, 1 end;
+///                    ^~~
 ///
-/// Lines and columns count from 1, columns in UTF-16 code units. Of a long line only the surroundings of the place are
-/// shown, so that a report is short whatever the input is.
+/// The caret and the tildes stand under the token at the place. Lines and columns count from 1, columns in UTF-16 code
+/// units. Of a long line only the surroundings of the place are shown, so that a report is short whatever the input is.
 class Report {
 public:
   /// `path` as the command line has it. `source` is looked at when a finding is written; where it holds nothing, no

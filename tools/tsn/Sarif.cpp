@@ -4,6 +4,9 @@
 #include "JsonWriter.hpp"
 #include "Uri.hpp"
 
+#include <cstdint>
+#include <iomanip>
+#include <sstream>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -47,10 +50,37 @@ void writeLocations(JsonWriter& json, const std::string& uri, const Finding* fin
   if (finding != nullptr && finding->line) {
     json.key("region").beginObject().key("startLine").number(*finding->line + 1);
     if (finding->column) json.key("startColumn").number(*finding->column + 1);
+    if (finding->endColumn) json.key("endLine").number(*finding->line + 1);
+    if (finding->endColumn) json.key("endColumn").number(*finding->endColumn + 1);
     json.endObject();
   }
   json.endObject().endObject().endArray();
 }
+
+/// What a finding is known by although lines before it come and go: a hash of its rule and of its line of source,
+/// without blanks, and which one of those that have the same hash it is in its file, from 1.
+class Fingerprints {
+public:
+  explicit Fingerprints(const std::optional<Source>& source) : source_(source) {}
+
+  std::string of(const Finding& finding) {
+    std::uint64_t hash = 0xcbf29ce484222325; // FNV-1a, which gives the same everywhere
+    const auto add = [&hash](std::uint64_t unit) { hash = (hash ^ unit) * 0x100000001b3; };
+    for (const char c : ruleIdOf(finding.message.id())) add(static_cast<unsigned char>(c));
+    if (source_ && finding.line) {
+      for (const char16_t unit : source_->line(*finding.line)) {
+        if (unit != u' ' && unit != u'\t') add(unit);
+      }
+    }
+    std::ostringstream text;
+    text << std::hex << std::setfill('0') << std::setw(16) << hash << std::dec << ':' << ++counts_[hash];
+    return std::move(text).str();
+  }
+
+private:
+  const std::optional<Source>& source_;
+  std::unordered_map<std::uint64_t, std::size_t> counts_;
+};
 
 class SarifFormat final : public CheckFormat {
 public:
@@ -62,8 +92,13 @@ public:
   }
 
   std::function<void()> prepare(CheckedFile file) override {
+    Fingerprints fingerprints(file.source);
+    std::vector<std::string> marks; // of the warnings, and then of the fault
+    for (const Finding& warning : file.warnings) marks.push_back(fingerprints.of(warning));
+    const auto* fault = file.failure ? std::get_if<Finding>(&*file.failure) : nullptr;
+    if (fault != nullptr) marks.push_back(fingerprints.of(*fault));
     file.source.reset();
-    return [this, file = std::move(file)] { write(file); };
+    return [this, file = std::move(file), marks = std::move(marks)] { write(file, marks); };
   }
 
   // Rules and notifications are known only now: members of an object stand in any order.
@@ -97,12 +132,14 @@ private:
     std::string what;
   };
 
-  void write(const CheckedFile& file) {
+  void write(const CheckedFile& file, const std::vector<std::string>& marks) {
     const std::string uri = uriOf(Source::displayName(file.path));
-    for (const Finding& warning : file.warnings) write(uri, warning, nvf::Severity::Warning);
+    for (std::size_t i = 0; i < file.warnings.size(); ++i) {
+      write(uri, file.warnings[i], nvf::Severity::Warning, marks[i]);
+    }
     if (!file.failure) return;
     if (const auto* fault = std::get_if<Finding>(&*file.failure)) {
-      write(uri, *fault, nvf::Severity::Error);
+      write(uri, *fault, nvf::Severity::Error, marks.back());
     } else if (const auto* fatal = std::get_if<nvf::FatalDiagnostic>(&*file.failure)) {
       notifications_.push_back({uri, "internal error: " + sentence(*fatal), "nvf::FatalError", fatal->text});
     } else {
@@ -111,7 +148,7 @@ private:
     }
   }
 
-  void write(const std::string& uri, const Finding& finding, nvf::Severity severity) {
+  void write(const std::string& uri, const Finding& finding, nvf::Severity severity, const std::string& mark) {
     const std::string ruleId = ruleIdOf(finding.message.id());
     const auto [entry, isNew] = ruleIndices_.try_emplace(ruleId, rules_.size());
     if (isNew) rules_.push_back({{{}, finding.message.id().catalog, finding.message.id().id}, severity});
@@ -120,6 +157,7 @@ private:
     json_.key("level").word(levelOf(severity));
     writeMessage(json_, "message", finding.message.text());
     writeLocations(json_, uri, &finding);
+    json_.key("partialFingerprints").beginObject().key("ruleAndLine/v1").word(mark).endObject();
     json_.endObject();
   }
 
@@ -128,6 +166,9 @@ private:
     json_.key("id").string(ruleIdOf(rule.message)).key("name").string(rule.message.id);
     if (const nvf::MessageInfo* row = nvf::find_message(rule.message.catalog, rule.message.id)) {
       writeMessage(json_, "shortDescription", descriptionOf(*row));
+      writeMessage(json_, "help",
+                   u"The page messages.md of Tessarin's documents shows under '" + nvf::widen(row->id) +
+                       u"' what leads to this, and what to do about it.");
     }
     json_.key("defaultConfiguration").beginObject().key("level").word(levelOf(rule.severity)).endObject();
     json_.endObject();

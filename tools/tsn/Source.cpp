@@ -1,5 +1,7 @@
 #include "Source.hpp"
 
+#include "tessarin/parser/lex/Tokenizer.hpp"
+
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
@@ -100,6 +102,24 @@ nvf::ustring_view Source::line(std::size_t number) const {
     unwalked_.remove_prefix(unwalked_.starts_with(u"\r\n") ? 2 : std::min<std::size_t>(unwalked_.size(), 1));
   }
   return number < lines_.size() ? lines_[number] : nvf::ustring_view();
+}
+
+std::size_t Source::endOfToken(std::size_t number, std::size_t column) const {
+  const nvf::ustring_view text = buffer_.text();
+  const nvf::ustring_view inLine = line(number);
+  if (column >= inLine.size()) return column;
+  if (tokenEnds_.empty()) {
+    const auto tokenizer = compiler::core::Tokenizer::create();
+    tokenizer->setBuffer(text.data(), text.size(), false);
+    std::size_t end = 0;
+    for (auto token = tokenizer->next(); token.kind != compiler::core::Kind::EMPTY; token = tokenizer->next()) {
+      end += token.length;
+      if (token.length != 0) tokenEnds_.push_back(end);
+    }
+  }
+  const auto lineBegin = static_cast<std::size_t>(inLine.data() - text.data());
+  const auto end = std::upper_bound(tokenEnds_.begin(), tokenEnds_.end(), lineBegin + column);
+  return end == tokenEnds_.end() ? column : std::min(*end - lineBegin, inLine.size());
 }
 
 } // namespace tessarin::tool

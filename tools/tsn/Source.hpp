@@ -48,6 +48,9 @@ public:
   /// The line of the given number, from 0, without its line end; empty behind the last line. The text is walked through
   /// once at the most, however many lines are asked for. For one thread at a time.
   [[nodiscard]] nvf::ustring_view line(std::size_t number) const;
+  /// The column behind the token at a place, on the same line; the column itself where no token is. The text is scanned
+  /// once at the most, however many places are asked for. For one thread at a time.
+  [[nodiscard]] std::size_t endOfToken(std::size_t line, std::size_t column) const;
 
 private:
   explicit Source(nvf::SourceBuffer buffer) : buffer_(std::move(buffer)), unwalked_(buffer_.text()) {}
@@ -55,6 +58,7 @@ private:
   nvf::SourceBuffer buffer_;
   mutable std::vector<nvf::ustring_view> lines_; // as far as the text has been walked through
   mutable nvf::ustring_view unwalked_;
+  mutable std::vector<std::size_t> tokenEnds_; // ascending offsets, once they were asked for
 };
 
 } // namespace tessarin::tool

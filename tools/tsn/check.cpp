@@ -42,11 +42,12 @@ struct CheckOptions {
 /// Reads a file and takes its text through all stages, up to the first fault.
 CheckedFile check(const std::string& path) {
   CheckedFile file{path, {}, {}, {}};
-  file.failure = observe([&](const nvf::Message& message) { file.warnings.emplace_back(message); },
-                         [&] {
-                           file.source = Source::read(path);
-                           static_cast<void>(ide::setupFunctionOf(ide::buildFile(file.source->buffer())));
-                         });
+  const auto warn = [&](const nvf::Message& message) { file.warnings.emplace_back(message); };
+  file.failure = observe(warn, [&] {
+    file.source = Source::read(path);
+    static_cast<void>(ide::setupFunctionOf(ide::buildFile(file.source->buffer(), warn)));
+  });
+  if (file.source) addEnds(*file.source, file.warnings, file.failure);
   return file;
 }
 

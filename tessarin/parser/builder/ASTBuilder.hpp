@@ -9,8 +9,10 @@
 #include "tessarin/parser/parse/ParseTree.hpp"
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -68,6 +70,16 @@ public:
   ASTBuilder(const ASTBuilder& other);
   ASTBuilder& operator=(const ASTBuilder&) = delete;
   ~ASTBuilder();
+
+  /// Is told of each token.
+  using TokenListener = std::function<void(const Token&)>;
+  /// Sets who is told of the tokens that are not read as what they are: a token which is no expression by itself, such
+  /// as the name in braces with a line end behind the first one, is built as `Expr()`, intended. An empty function, as
+  /// there is at first, is told nothing. What it throws passes through.
+  /// @{
+  void unreadTokenListener(TokenListener listener) { unreadTokenListener_ = std::move(listener); }
+  [[nodiscard]] const TokenListener& unreadTokenListener() const noexcept { return unreadTokenListener_; }
+  /// @}
 
   /// Expressions, and the parts that only they have.
   /// @{
@@ -206,6 +218,7 @@ public:
 
 private:
   std::unique_ptr<nvf::ValueTokensToValue> toValue_; // null where there is none
+  TokenListener unreadTokenListener_;
 };
 
 } // namespace tessarin::compiler::core

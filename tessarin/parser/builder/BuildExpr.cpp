@@ -6,6 +6,7 @@
 #include "tessarin/parser/builder/TreeBuilder.hpp"
 
 #include <exception>
+#include <new>
 #include <utility>
 
 namespace tessarin::compiler::core {
@@ -22,6 +23,8 @@ constexpr const char* buildExprSignature =
 UnitLiteral buildUnitLiteral(const Token& token) {
   try {
     return unitOf(token);
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (const std::exception&) { // the text is not ASCII, or no unit
     raiseAt<InvalidUnitLiteral>(token.location(), nvf::ustring(withoutQuotes(token)));
   }
@@ -34,7 +37,9 @@ Expr buildTerminal(const TreeBuilder& builder, const Token& token) {
   case TokenId::STRING_LITERAL: return builder.toCvLiteral(token);
   case TokenId::END: return EndIndex(token);
   case TokenId::TIME: return Time(token);
-  default: return Expr();
+  default:
+    if (builder.unreadTokenListener()) builder.unreadTokenListener()(token);
+    return Expr();
   }
 }
 

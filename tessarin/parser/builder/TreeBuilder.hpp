@@ -13,8 +13,11 @@ namespace tessarin::compiler::core {
 /// Builds what its members are named for, as those of `ASTBuilder` do.
 class TreeBuilder {
 public:
-  /// The converter may be null, and must outlive the builder.
-  explicit TreeBuilder(const nvf::ValueTokensToValue* toValue) noexcept : toValue_(toValue) {}
+  /// The converter may be null; it and the listener must outlive the builder.
+  TreeBuilder(const nvf::ValueTokensToValue* toValue, const ASTBuilder::TokenListener& unreadTokenListener) noexcept
+      : toValue_(toValue), unreadTokenListener_(unreadTokenListener) {}
+
+  [[nodiscard]] const ASTBuilder::TokenListener& unreadTokenListener() const noexcept { return unreadTokenListener_; }
 
   [[nodiscard]] Expr buildExpr(NodeView tree) const;
   [[nodiscard]] MatrixExpr buildMatrixExpr(NodeView tree) const;
@@ -98,6 +101,7 @@ public:
 
 private:
   const nvf::ValueTokensToValue* toValue_;
+  const ASTBuilder::TokenListener& unreadTokenListener_;
 };
 
 } // namespace tessarin::compiler::core
