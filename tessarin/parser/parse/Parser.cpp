@@ -29,17 +29,17 @@ void Parser::tokenListener(std::function<void(const Token&)> listener) {
 ParseTree Parser::parse() {
   ParserState& state = impl();
   if (state.fault) std::rethrow_exception(state.fault);
-  if (state.tree) return *state.tree;
+  if (state.whole) return *state.whole;
   try {
     state.trees.reserveFor(state.lexer.tokenizer().bufferSize());
     Actions actions(state);
     TSNParser(actions).parse();
-    state.tree = fold(std::make_shared<const FlatTree>(std::exchange(state.trees, FlatTree())), state.result);
+    state.whole = fold(std::make_shared<const FlatTree>(std::exchange(state.trees, FlatTree())), state.result);
   } catch (...) {
     state.fault = std::current_exception();
     throw;
   }
-  return *state.tree;
+  return *state.whole;
 }
 
 ParserState& Parser::impl() {

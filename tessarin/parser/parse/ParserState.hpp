@@ -17,9 +17,9 @@ struct ParserState {
   explicit ParserState(const nvf::SourceBuffer& buffer) : lexer(buffer) {}
 
   FlatTree trees;
-  NodeRef result;                ///< the tree of the file, once a rule has completed it
-  std::optional<ParseTree> tree; ///< what the parse has ended with, or
-  std::exception_ptr fault;      ///< what it has failed with
+  NodeRef result;                 ///< the tree of the file, once a rule has completed it
+  std::optional<ParseTree> whole; ///< what the parse has ended with, or
+  std::exception_ptr fault;       ///< what it has failed with
   Lexer lexer;
   Token current;                                      ///< the last token handed to the parser
   nvf::BasicTableString<char16_t> lastClosedFunction; ///< the function that `end` closed last
