@@ -1,6 +1,10 @@
 # Options of the build and the compiler settings that every target of this project shares.
 
-option(TESSARIN_TESTS "Build the tests" ON)
+# As a part of another project only the library is built, unless that project says otherwise.
+option(TESSARIN_TOOL "Build the command line tsn" ${PROJECT_IS_TOP_LEVEL})
+option(TESSARIN_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
+option(TESSARIN_INSTALL "Install and package what is built" ${PROJECT_IS_TOP_LEVEL})
+option(TESSARIN_DEBIAN "Install as packages of Debian do" OFF)
 option(TESSARIN_BENCH "Build the benchmarks" OFF)
 option(TESSARIN_FUZZ "Build the fuzzers (Clang only)" OFF)
 option(TESSARIN_WERROR "Treat warnings as errors" OFF)
@@ -15,7 +19,7 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 find_program(TESSARIN_CCACHE ccache)
-if(TESSARIN_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+if(PROJECT_IS_TOP_LEVEL AND TESSARIN_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   # A cache that cannot write its folder would fail every compilation.
   file(WRITE ${PROJECT_BINARY_DIR}/cache_probe.cpp "")
   execute_process(COMMAND ${TESSARIN_CCACHE} ${CMAKE_CXX_COMPILER} -c cache_probe.cpp -o cache_probe.o

@@ -12,7 +12,7 @@ trap 'rm -rf "$work"' EXIT
 cmake --install "$build" --prefix "$work/first" >/dev/null
 mv "$work/first" "$work/prefix" # nothing may depend on where it was put at first
 prefix=$work/prefix
-examples=$prefix/share/doc/Tessarin/examples
+examples=$prefix/share/doc/tessarin/examples
 library=$(dirname "$(find "$prefix" -name libtessarin.so)")
 
 fail() {
@@ -23,7 +23,7 @@ fail() {
 # The library and its tool.
 readelf -d "$library/libtessarin.so" | grep -q 'SONAME.*libtessarin\.so\.[0-9]*\.[0-9]*\]' || fail "the SONAME has no version"
 "$prefix/bin/tsn" check "$examples/library" | grep -q ' 0 errors, 0 warnings' || fail "the installed tool finds faults in the examples"
-for file in share/man/man1/tsn.1 share/bash-completion/completions/tsn share/doc/Tessarin/README.md; do
+for file in share/man/man1/tsn.1 share/bash-completion/completions/tsn share/doc/tessarin/README.md; do
   [ -s "$prefix/$file" ] || fail "$file is missing"
 done
 
