@@ -2,12 +2,15 @@
 
 #include "tessarin/foundation/sanitizer.hpp"
 
+#if !TESSARIN_NO_FIBERS
 #include <boost/context/fiber.hpp>
 #include <boost/context/protected_fixedsize_stack.hpp>
+#endif
 
 #include <cstdint>
 #include <exception>
 #include <pthread.h>
+#include <stdexcept>
 #include <vector>
 
 // The sanitizers have to be told of every switch to another stack.
@@ -22,8 +25,6 @@
 namespace nvf::detail {
 
 namespace {
-
-namespace context = boost::context;
 
 /// The stack that a thread runs on: its lowest address and the one behind its highest.
 struct Bounds {
@@ -48,6 +49,9 @@ Bounds boundsOfThread() noexcept {
   const auto address = reinterpret_cast<std::uintptr_t>(low);
   return {address, address + size};
 }
+
+#if !TESSARIN_NO_FIBERS
+namespace context = boost::context;
 
 /// Memory for segments. A few that were given up are kept for each thread, so that a walk that goes back and forth over
 /// the border of a segment does not map memory each time.
@@ -94,7 +98,9 @@ struct PooledStack {
   static void deallocate(context::stack_context& used) noexcept { segmentPool().give(used); }
 };
 
-#if TESSARIN_THREAD_SANITIZER
+#endif
+
+#if TESSARIN_THREAD_SANITIZER && !TESSARIN_NO_FIBERS
 class TsanFiber {
 public:
   TsanFiber() : former_(__tsan_get_current_fiber()), fiber_(__tsan_create_fiber(0)) {}
@@ -121,6 +127,11 @@ bool stack_is_short() noexcept {
   return !currentBounds.hasRoom(frame);
 }
 
+#if TESSARIN_NO_FIBERS
+void run_on_fresh_segment(void (*)(void*), void*) {
+  throw std::length_error("the stack is too small for a nest of this depth, and there are no fibers on this system");
+}
+#else
 void run_on_fresh_segment(void (*function)(void*), void* argument) {
   const context::stack_context segment = segmentPool().take();
   const auto top = reinterpret_cast<std::uintptr_t>(segment.sp);
@@ -172,5 +183,6 @@ void run_on_fresh_segment(void (*function)(void*), void* argument) {
   currentBounds = former;
   if (failure) std::rethrow_exception(failure);
 }
+#endif
 
 } // namespace nvf::detail

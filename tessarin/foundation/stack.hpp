@@ -28,7 +28,7 @@ namespace detail {
 /// Whether less than `stackReserve` is left of the stack that this thread runs on.
 TESSARIN_EXPORT bool stack_is_short() noexcept;
 /// Calls `function(argument)` on a fresh segment. Throws what the function throws, `std::bad_alloc` where there is no
-/// memory for a segment.
+/// memory for a segment, and `std::length_error` where the library is built without fibers (TESSARIN_FIBERS).
 TESSARIN_EXPORT void run_on_fresh_segment(void (*function)(void*), void* argument);
 } // namespace detail
 

@@ -121,7 +121,10 @@ ustring detail::textOf(const PackageEntity& entity, std::size_t indent, std::siz
 }
 
 std::ostream& operator<<(std::ostream& stream, const PackageEntity& entity) {
-  return stream << nvf::ustring_to_local_encoded_string(entity.string(0, 2));
+  return printTo(stream, [&](Printer& out) {
+    TextPrinter printer(out, 0, 2);
+    entity.accept(printer);
+  });
 }
 
 } // namespace tessarin::compiler::core

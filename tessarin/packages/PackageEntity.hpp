@@ -53,7 +53,7 @@ protected:
   PackageEntity& operator=(PackageEntity&&) noexcept = default;
 };
 
-/// Writes `string(0, 2)` in the local encoding.
+/// Writes `string(0, 2)` in the local encoding as it goes: memory for the text does not grow with its length.
 TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const PackageEntity& entity);
 
 namespace detail {

@@ -13,14 +13,14 @@ namespace tessarin::tool {
 
 namespace {
 
-nvf::ustring printed(const Source& source) {
-  return std::visit([](const auto& file) { return file.string(0, 2); }, ide::buildFile(source.buffer()));
-}
-
 constexpr FileAnswer printAnswer{
-    .text = [](const Source& source, std::ostream& out) { out << nvf::encode_utf8(printed(source)); },
+    .text =
+        [](const Source& source, std::ostream& out) {
+          std::visit([&out](const auto& file) { out << file; }, ide::buildFile(source.buffer()));
+        },
     .json = [](const Source& source) -> std::function<void(JsonWriter&)> {
-      return [text = printed(source)](JsonWriter& json) { json.key("text").string(text); };
+      return [text = std::visit([](const auto& file) { return file.string(0, 2); }, ide::buildFile(source.buffer()))](
+                 JsonWriter& json) { json.key("text").string(text); };
     },
 };
 

@@ -1,9 +1,11 @@
-// Printing: every text form is appended to one buffer.
+// Printing: every text form is appended to one buffer, which a stream can take over on the way.
 #pragma once
 
+#include "tessarin/foundation/text_limit.hpp"
 #include "tessarin/parser/ast/EqnItem.hpp"
 #include "tessarin/parser/ast/ToStringContext.hpp"
 
+#include <iosfwd>
 #include <string_view>
 
 namespace tessarin::compiler::core {
@@ -45,7 +47,11 @@ class TransitionsSection;
 
 class Printer {
 public:
-  explicit Printer(ustring& out) noexcept : out_(out) {}
+  /// To a buffer. Printing throws `nvf::TextTooLong` where the text grows over the limit of the thread.
+  explicit Printer(ustring& out) noexcept : out_(out), checkAt_(limit_) {}
+  /// To a stream, in UTF-8, a block at a time; `rest` writes the last one. `buffer` holds what is not written yet.
+  Printer(ustring& buffer, std::ostream& stream) noexcept;
+  void rest();
 
   void print(const Expr& expr, const ToStringContext& context);
   /// In the default form.
@@ -108,14 +114,20 @@ public:
 
   Printer& operator<<(std::u16string_view text) {
     out_ += text;
-    return *this;
+    return grown();
   }
   Printer& operator<<(const nvf::CxId& id) { return *this << id.view(); }
   Printer& operator<<(const Ident& ident) { return *this << ident.id(); }
   Printer& operator<<(std::size_t number) { return *this << nvf::decimal(number); }
+  /// What appends itself to a string.
+  template <class Literal>
+  Printer& append(const Literal& literal) {
+    literal.append(out_);
+    return grown();
+  }
   Printer& blanks(std::size_t count) {
     out_.append(count, u' ');
-    return *this;
+    return grown();
   }
 
   /// Calls `printOne` with each element, and writes the separator between them.
@@ -147,7 +159,20 @@ private:
   void printIndices(const IdParenSubs& step, const ToStringContext& context);
   void printIndices(const IdValueIndices& step, const ToStringContext& context);
 
+  Printer& grown() {
+    if (out_.size() > checkAt_) [[unlikely]]
+      check();
+    return *this;
+  }
+  /// Looks at the limit, and passes a full block on.
+  void check();
+  void write(std::size_t length);
+
   ustring& out_;
+  std::ostream* stream_ = nullptr;
+  std::size_t written_ = 0; // of the text, to the stream
+  std::size_t limit_ = nvf::ScopedTextLimit::current();
+  std::size_t checkAt_; // the size of the buffer that `check` is called behind
 };
 
 /// What `function` prints.
@@ -157,6 +182,16 @@ ustring printed(Function function) {
   Printer printer(out);
   function(printer);
   return out;
+}
+
+/// Writes what `function` prints to a stream as it goes, in memory that does not grow with the text.
+template <class Function>
+std::ostream& printTo(std::ostream& stream, Function function) {
+  ustring buffer;
+  Printer printer(buffer, stream);
+  function(printer);
+  printer.rest();
+  return stream;
 }
 
 /// What `Printer::print` prints of the arguments.

@@ -65,7 +65,7 @@ struct ToStringVisitor {
   void operator()(const NumberLiteral& number) const { lead() << number.value().view(); }
   void operator()(const StringLiteral& string) const {
     lead();
-    string.append(out.out_);
+    out.append(string);
   }
   void operator()(const ConcreteValueExpr& value) const {
     if (context.asUserStr()) {
@@ -89,17 +89,17 @@ struct ToStringVisitor {
     out << u"{"; // what the default function prints, without a string of its own for each level
     print(expr.expr());
     out << u", ";
-    expr.unit().append(out.out_);
+    out.append(expr.unit());
     out << u"}";
   }
   void operator()(const ValueExpr& expr) const {
     lead() << u"value(";
     print(expr.expr());
     out << u",";
-    expr.unit().append(out.out_);
+    out.append(expr.unit());
     if (expr.conversion()) {
       out << u",";
-      expr.conversion()->append(out.out_);
+      out.append(*expr.conversion());
     }
     out << u")";
   }
@@ -580,7 +580,8 @@ std::ostream& operator<<(std::ostream& stream, const EqnItem& item) {
   return stream << nvf::ustring_to_local_encoded_string(to_string(item, defaultContext()));
 }
 std::ostream& operator<<(std::ostream& stream, const Expr& expr) {
-  return stream << nvf::ustring_to_local_encoded_string(to_string(expr));
+  if (stream.width() != 0) return stream << nvf::ustring_to_local_encoded_string(to_string(expr));
+  return printTo(stream, [&](Printer& out) { out.print(expr); });
 }
 
 ustring Subscript::string(ToStringContext context) const {

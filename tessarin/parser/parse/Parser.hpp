@@ -17,7 +17,11 @@ namespace tessarin::compiler::core {
 /// How deep the nodes of a parse tree may nest. The items of a list stand side by side however many there are, and a
 /// chain of operators that group to the left (`a + b + …`, `a.b.…`) does not count either; a chain of `.der` does, for
 /// it has the shape of nested calls. Text that nests deeper raises the message `DeepStatements`.
+#if TESSARIN_NO_FIBERS
+inline constexpr std::uint32_t maxNesting = 100; // walks have no stack but that of the thread
+#else
 inline constexpr std::uint32_t maxNesting = 50'000;
+#endif
 
 struct ParserState;
 
