@@ -39,7 +39,7 @@ public:
   friend bool operator==(const CheckedText&, const CheckedText&) noexcept = default;
   /// The order of the bytes, a prefix being less.
   friend std::strong_ordering operator<=>(const CheckedText& a, const CheckedText& b) noexcept {
-    return a == b ? std::strong_ordering::equal : a.view() <=> b.view();
+    return a == b ? std::strong_ordering::equal : a.view().compare(b.view()) <=> 0;
   }
   /// Comparison with plain text: narrow text is compared byte by byte.
   /// @{

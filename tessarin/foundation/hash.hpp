@@ -12,10 +12,16 @@ namespace nvf {
 /// The result of a three-way comparison: how the first argument stands to the second.
 enum class Ordering : int { Equal = 0, Less = 1, Greater = 2 };
 
-/// The ordering of two values that have `<=>`; unordered values count as equal.
+/// The ordering of two values that have `<=>`, or `compare` as texts have; unordered values count as equal.
 template <class T>
 constexpr Ordering order(const T& a, const T& b) {
-  const auto result = a <=> b;
+  const auto result = [&] {
+    if constexpr (requires { a <=> b; }) {
+      return a <=> b;
+    } else {
+      return a.compare(b); // libc++ 14 has no `<=>` of texts
+    }
+  }();
   if (result < 0) return Ordering::Less;
   if (result > 0) return Ordering::Greater;
   return Ordering::Equal;

@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <clocale>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <optional>
 #include <system_error>
@@ -105,8 +107,14 @@ double decimalValue(const NumberParts& parts) {
   double value = magnitude > 0 ? std::numeric_limits<double>::infinity() : 0; // which stays where it is out of range
   if (magnitude > largestMagnitude || magnitude < smallestMagnitude) return value;
   const std::string normal = "0." + digits.substr(leading) + "e" + std::to_string(magnitude);
+#if defined(__cpp_lib_to_chars)
   std::from_chars(normal.data(), normal.data() + normal.size(), value);
   return value;
+#else
+  // A standard library that reads no doubles: that of C reads them as exactly, in the locale whose point is a point.
+  static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+  return strtod_l(normal.c_str(), nullptr, plain);
+#endif
 }
 
 template <class Number>

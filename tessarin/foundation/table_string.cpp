@@ -105,7 +105,7 @@ private:
   static constexpr std::size_t largestBlock = std::size_t{16} * 1024;
 
   char* newBlock(std::size_t bytes) {
-    blocks_.push_back(std::make_unique_for_overwrite<char[]>(bytes));
+    blocks_.push_back(std::unique_ptr<char[]>(new char[bytes]));
     size_ += bytes;
     return blocks_.back().get();
   }

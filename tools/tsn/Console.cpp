@@ -29,8 +29,7 @@ bool mayColour(int descriptor) {
 
 } // namespace
 
-BlockBuffer::BlockBuffer(int descriptor)
-    : descriptor_(descriptor), block_(std::make_unique_for_overwrite<char[]>(blockSize)) {
+BlockBuffer::BlockBuffer(int descriptor) : descriptor_(descriptor), block_(new char[blockSize]) {
   setp(block_.get(), block_.get() + blockSize);
 }
 

@@ -115,9 +115,9 @@ public:
 class TESSARIN_EXPORT EqnItem : public nvf::TaggedUnion<EqnItem, Expr, EqnAssertion> {
 public:
   using TaggedUnion::TaggedUnion;
-  /// The item that is an expression of any kind.
+  /// The item that is an expression of any kind. Not by value: Clang 14 would take it for the inherited constructor.
   template <ExprAlternative A>
-  EqnItem(A expr) : EqnItem(Expr(std::move(expr))) {} // NOLINT(google-explicit-constructor)
+  EqnItem(const A& expr) : EqnItem(Expr(expr)) {} // NOLINT(google-explicit-constructor)
 };
 /// Where the item stands; the line counts from 0.
 /// @{
