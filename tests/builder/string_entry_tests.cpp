@@ -375,7 +375,7 @@ TEST(StringEntries, ObjectReferences) {
       // what the builder refuses
       {"a(x = 1).b", "InvalidObjectRefSyntax(a(x = 1).b)"},
       {"a(b(x = 1).c).d", "InvalidObjectRefSyntax(a(b(x = 1).c).d)"},
-      {"{1, '??'}", "InvalidObjectRefSyntax({1, '??'})"},
+      {"{1, '?'}", "InvalidObjectRefSyntax({1, '?'})"},
       {"internal_object_ref__(a(1))", "InvalidObjectRefSyntax(internal_object_ref__(a(1)))"},
   };
   for (const auto& [text, expected] : cases) EXPECT_EQ(object(text), expected) << text;
@@ -411,7 +411,7 @@ TEST(StringEntries, ValueReferences) {
       {"a(1, x = 1)", "InvalidValueRefSyntax(a(1, x = 1))"},
       {"1", "InvalidValueRefSyntax(1)"},
       {"a.", "InvalidValueRefSyntax(a.)"},
-      {"{1, '??'}", "InvalidValueRefSyntax({1, '??'})"},
+      {"{1, '?'}", "InvalidValueRefSyntax({1, '?'})"},
       {"a(b(x = 1).c)", "InvalidValueRefSyntax(a(b(x = 1).c))"},
   };
   for (const auto& [text, expected] : cases) EXPECT_EQ(value(text), expected) << text;
