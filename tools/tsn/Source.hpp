@@ -11,7 +11,7 @@
 
 namespace tessarin::tool {
 
-/// Thrown for a file that cannot be opened or read.
+/// Thrown for a file that cannot be opened, read or written.
 class UnreadableFile : public std::system_error {
 public:
   using std::system_error::system_error;
