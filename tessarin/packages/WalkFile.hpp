@@ -33,7 +33,8 @@ concept IsFile = requires(const T& file) {
 template <IsFile File, class Visitor>
 requires(std::derived_from<std::remove_cvref_t<Visitor>, NodeVisitor> ||
          NodeFunction<Visitor>) bool walk(const File& file, Visitor&& visitor) {
-  return std::ranges::all_of(nodesOf(file), [&visitor](AstNode node) { return walk(node, visitor); });
+  const std::vector<AstNode> nodes = nodesOf(file);
+  return std::all_of(nodes.begin(), nodes.end(), [&visitor](AstNode node) { return walk(node, visitor); });
 }
 
 /// The nodes that enclose a place, see `find` of a node.

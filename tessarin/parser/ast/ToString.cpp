@@ -659,7 +659,7 @@ void CharacterVectorOutputter::operator()(std::ostream& stream, const ustring& t
 void CharacterVectorOutputter::operator()(std::basic_ostream<char16_t>& stream, const ustring& text) const {
   ustring quoted;
   (*this)(quoted, text);
-  stream << quoted;
+  stream.write(quoted.data(), static_cast<std::streamsize>(quoted.size())); // `<<` asks for a facet that libc++ lacks
 }
 
 void SingleQuoteOutputter::operator()(ustring& out, const nvf::ExprString& unit) const {

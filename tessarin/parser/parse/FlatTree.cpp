@@ -91,8 +91,9 @@ void FlatTree::extendByParts(NodeRef list, NodeRef item) {
 
 NodeRef FlatTree::roll(NodeRef list) {
   const NonTerminal::Value own = kind(list);
-  const bool isFlat =
-      std::ranges::none_of(children(list), [&](NodeRef child) { return !child.isToken() && kind(child) == own; });
+  const std::span<const NodeRef> parts = children(list);
+  const bool isFlat = std::none_of(parts.data(), parts.data() + parts.size(),
+                                   [&](NodeRef child) { return !child.isToken() && kind(child) == own; });
   if (isFlat) return list;
   const NodeRef result = emptyNode(own);
   extendByParts(result, list);

@@ -8,11 +8,13 @@
 #include "tessarin/parser/lex/Token.hpp"
 #include "tessarin/parser/parse/NonTerminal.hpp"
 
+#include <boost/iterator/transform_iterator.hpp>
+#include <boost/range/iterator_range_core.hpp>
+
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <ranges>
 #include <span>
 #include <vector>
 
@@ -222,11 +224,19 @@ public:
   /// The children of a non-terminal from the one at `first` on, in order.
   [[nodiscard]] auto children(std::size_t first = 0) const {
     const std::size_t n = count();
-    return tree_->children(ref_).subspan(first < n ? first : n) |
-           std::views::transform([tree = tree_](NodeRef child) { return NodeView(*tree, child); });
+    const std::span<const NodeRef> refs = tree_->children(ref_).subspan(first < n ? first : n);
+    // Not by std::views::transform, which libc++ 14 has not.
+    return boost::make_iterator_range(boost::make_transform_iterator(refs.data(), ViewOf{tree_}),
+                                      boost::make_transform_iterator(refs.data() + refs.size(), ViewOf{tree_}));
   }
 
 private:
+  struct ViewOf {
+    using result_type = NodeView;
+    const FlatTree* tree;
+    NodeView operator()(NodeRef child) const { return {*tree, child}; }
+  };
+
   const FlatTree* tree_;
   NodeRef ref_;
 };
