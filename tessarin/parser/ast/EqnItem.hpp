@@ -114,10 +114,14 @@ public:
 /// An item of an equations block: an expression (0) or an assertion (1).
 class TESSARIN_EXPORT EqnItem : public nvf::TaggedUnion<EqnItem, Expr, EqnAssertion> {
 public:
-  using TaggedUnion::TaggedUnion;
-  /// The item that is an expression of any kind. Not by value: Clang 14 would take it for the inherited constructor.
+  /// A default expression, an expression, one of any kind, or an assertion.
+  /// @{
+  EqnItem() = default;
+  EqnItem(Expr expr) : TaggedUnion(std::move(expr)) {}                   // NOLINT(google-explicit-constructor)
+  EqnItem(EqnAssertion assertion) : TaggedUnion(std::move(assertion)) {} // NOLINT(google-explicit-constructor)
   template <ExprAlternative A>
-  EqnItem(const A& expr) : EqnItem(Expr(expr)) {} // NOLINT(google-explicit-constructor)
+  EqnItem(A expr) : EqnItem(Expr(std::move(expr))) {} // NOLINT(google-explicit-constructor)
+  /// @}
 };
 /// Where the item stands; the line counts from 0.
 /// @{
