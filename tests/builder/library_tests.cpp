@@ -189,7 +189,7 @@ TEST(Walk, ChildrenAreTheNextExpressions) {
   const Expr expr = str_to_astexpr(u"f(a + b, n = [c; d])");
   std::string children;
   forEachChild(expr, [&children](const Expr& child) { children += shown(child) + ";"; });
-  EXPECT_EQ(children, "a+b;[c;d];");
+  EXPECT_EQ(children, "a + b;[c; d];");
 }
 
 TEST(Find, LeadsFromTheModelToTheName) {
@@ -230,7 +230,7 @@ TEST(Rewriting, WhatStaysIsShared) {
   const Expr left = make::add(make::var("a"), make::var("b"));
   const Expr changed = rewrite(make::multiply(left, make::number(1)),
                                [](const NumberLiteral& number) { return make::number(2 * number.value().number()); });
-  EXPECT_EQ(shown(changed), "(a+b)*2");
+  EXPECT_EQ(shown(changed), "(a + b) * 2");
   EXPECT_EQ(identity(changed.get<OpExpr>().operandAt(0)), identity(left));
 
   // A place that has changed is a change.
@@ -254,13 +254,13 @@ TEST(Rewriting, ReachesEveryPartOfAFile) {
 
   const TSNFile function = parseText("f.tsn", "function y = f(x)\n  definitions\n    y = x + 1;\n  end\nend\n");
   const TSNFile twice = rewrite(function, [](const NumberLiteral&) { return make::number(2); });
-  EXPECT_NE(shown(std::get<TSNFunctionFile>(twice)).find("y = x+2;"), std::string::npos);
+  EXPECT_NE(shown(std::get<TSNFunctionFile>(twice)).find("y = x + 2"), std::string::npos);
 }
 
 TEST(With, ChangesOnePartOfACopy) {
   const Expr sum = str_to_astexpr(u"a + b");
-  EXPECT_EQ(shown(Expr(withOperand(sum.get<OpExpr>(), 1, make::number(-2.5)))), "a+-2.5");
-  EXPECT_EQ(shown(sum), "a+b");
+  EXPECT_EQ(shown(Expr(withOperand(sum.get<OpExpr>(), 1, make::number(-2.5)))), "a + -2.5");
+  EXPECT_EQ(shown(sum), "a + b");
   EXPECT_THROW((void)withOperand(sum.get<OpExpr>(), 2, sum), std::out_of_range);
   for (const Expr& expr : test::oneOfEachKind()) {
     const Expr moved = withRange(expr, test::onLine(4));
