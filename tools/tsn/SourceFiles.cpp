@@ -1,5 +1,7 @@
 #include "SourceFiles.hpp"
 
+#include "Printable.hpp"
+
 #include <algorithm>
 
 namespace tessarin::tool {
@@ -44,6 +46,15 @@ FilesBelow filesBelow(const fs::path& directory) {
   std::sort(found.files.begin(), found.files.end());
   std::sort(found.unreadable.begin(), found.unreadable.end());
   return found;
+}
+
+std::vector<std::string> readableFilesBelow(const fs::path& directory, Console& console, Status& status) {
+  FilesBelow below = filesBelow(directory);
+  for (const auto& [path, failure] : below.unreadable) {
+    console.report("tsn: '" + escaped(path) + "' cannot be read: " + failure.message() + "\n");
+    status = Status::Usage;
+  }
+  return std::move(below.files);
 }
 
 std::string identityOf(const std::string& path) {

@@ -91,13 +91,9 @@ FilesToCheck filesToCheck(const std::vector<std::string>& arguments, Console& co
       add(argument);
       continue;
     }
-    const FilesBelow below = filesBelow(argument);
-    for (const auto& [directory, failure] : below.unreadable) {
-      console.report("tsn: '" + escaped(directory) + "' cannot be read: " + failure.message() + "\n");
-      result.status = Status::Usage;
-    }
-    if (below.files.empty()) console.report("tsn: there are no .tsn files below '" + escaped(argument) + "'\n");
-    std::for_each(below.files.begin(), below.files.end(), add);
+    const std::vector<std::string> below = readableFilesBelow(argument, console, result.status);
+    if (below.empty()) console.report("tsn: there are no .tsn files below '" + escaped(argument) + "'\n");
+    std::for_each(below.begin(), below.end(), add);
   }
   if (result.files.empty()) result.status = Status::Usage;
   return result;
