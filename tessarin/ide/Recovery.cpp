@@ -123,10 +123,11 @@ private:
 
   std::optional<Fault> ask() {
     warnings_.clear();
-    const nvf::ScopedWarningSink scope([this](const nvf::Message& message) { warn(message); });
+    const nvf::WarningSink sink = [this](const nvf::Message& message) { warn(message); };
+    const nvf::ScopedWarningSink scope(sink);
     result_.file.reset();
     try {
-      compiler::core::TSNFile file = buildFile({source_.fileName(), text_});
+      compiler::core::TSNFile file = buildFile({source_.fileName(), nvf::ustring_view(text_)}, sink);
       static_cast<void>(setupFunctionOf(file));
       result_.file = std::move(file);
       return std::nullopt;
@@ -174,6 +175,13 @@ private:
       }
       // A token that a fault makes of all that follows is shown as far as its line.
       const std::size_t lineEnd = std::max(begin, text.lineEnd(text.lineOf(begin)));
+      // Of the text as it is, the library's place counts; of a changed one what the text has there.
+      const bool isAsTold = result_.faults.empty() && place.column;
+      if (isAsTold && (place.line >= text.lineCount() || text.columnOf(begin) != *place.column)) {
+        const nvf::Location told(source_.fileName(), nvf::LineColumn(place.line, *place.column));
+        finding.range = nvf::Range(told, told);
+        return;
+      }
       finding.range = rangeOf(text, begin, std::min(std::max(begin, end), lineEnd));
     } catch (const nvf::LineColumn::ValueTooLarge&) { // too far right for a place
       finding.range.reset();
