@@ -75,15 +75,17 @@ inline core::Variable variable(std::string_view dotted, const std::optional<core
 inline Expr name(std::string_view dotted, const nvf::Range& range = {}) {
   return variable(dotted, std::nullopt, range);
 }
+inline std::optional<core::ParenSubs> optionalSubs(const Subscripts& subs) {
+  if (subs.empty()) return std::nullopt;
+  return parenSubs(subs);
+}
 /// `internal_full_path__` of the path of one member.
 inline Expr fullPath(std::size_t member, const Subscripts& subs = {}) {
   const core::FullPathVariable::Path path{core::UniquePathElement(core::MemberPathElement(member))};
-  const std::optional<core::ParenSubs> parens = subs.empty() ? std::nullopt : std::optional(parenSubs(subs));
-  return core::FullPathVariable(path, parens, std::nullopt, nvf::Range());
+  return core::FullPathVariable(path, optionalSubs(subs), std::nullopt, nvf::Range());
 }
 inline Expr relativePath(std::size_t depth, std::string_view name, const Subscripts& subs = {}) {
-  const std::optional<core::ParenSubs> parens = subs.empty() ? std::nullopt : std::optional(parenSubs(subs));
-  return core::RelativePathVariable(nvf::Positive<std::size_t>(depth), id(name), parens, nvf::Range());
+  return core::RelativePathVariable(nvf::Positive<std::size_t>(depth), id(name), optionalSubs(subs), nvf::Range());
 }
 inline nvf::Expressions<core::IdValueIndices> constantPath(std::initializer_list<std::string_view> names) {
   std::vector<core::IdValueIndices> path;

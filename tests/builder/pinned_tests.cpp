@@ -121,7 +121,9 @@ TEST(Pinned, NothingThatUsersSeeHasChanged) {
   ASSERT_FALSE(pinned.empty()) << path;
   for (const auto& [name, pin] : now) {
     // A text that has come since is pinned by the next update.
-    if (const auto known = pinned.find(name); known != pinned.end()) EXPECT_EQ(pin, known->second) << name;
+    if (const auto known = pinned.find(name); known != pinned.end()) {
+      EXPECT_EQ(pin, known->second) << name;
+    }
   }
 }
 
