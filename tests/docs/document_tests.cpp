@@ -72,6 +72,7 @@ constexpr std::string_view notRun[] = {
     "cmake --preset release",
     "cmake --build build/release",
     "cmake --install build/release --prefix /usr/local",
+    "sudo ldconfig",
     "./dev package",
 };
 

@@ -38,7 +38,7 @@ awk -v directory="$work/guide/" '
   !inside && /^```text$/ { file = directory name ".expected"; inside = 1; next }
   inside && /^```$/ { close(file); inside = 0; next }
   inside && sub(/^\$ /, "") { print >(directory name ".call"); next }
-  inside { print >file }' "$prefix/share/doc/Tessarin/docs/library.md"
+  inside { print >file }' "$prefix/share/doc/tessarin/docs/library.md"
 programs=$(cd "$work/guide" && ls -- *.cpp | sed 's/\.cpp$//')
 [ "$(wc -w <<<"$programs")" -ge 8 ] || fail "docs/library.md has lost programs"
 cat >"$work/CMakeLists.txt" <<'TEXT'

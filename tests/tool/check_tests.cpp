@@ -68,7 +68,6 @@ TEST(CheckCommand, ShowsTheLineAndTheColumn) {
     std::string expected = "f.tsn:" + c.report + "1 file checked: 1 error, 0 warnings\n";
     expected.replace(expected.find('@'), 1, sentence);
     EXPECT_EQ(result.out, expected);
-    EXPECT_TRUE(sentence.ends_with(" [UnexpectedSep]")) << sentence;
     EXPECT_EQ(result.error, "");
     EXPECT_EQ(result.status, 1);
   }
@@ -106,11 +105,11 @@ TEST(CheckCommand, WarnsOfNamesThatAreReadAsTime) {
   const Case cases[] = {
       {"{x, 'm'}", ""},
       {"{\n 1, 'm'}", ""},
-      {"{\n [xy], 'm'}", "f.tsn:4:3: warning: 'xy'" + text + " [xy], 'm'}\n  ^~\n"},
-      {"{\n xy, 'm'}", "f.tsn:4:2: warning: 'xy'" + text + " xy, 'm'}\n ^~\n"},
-      {"{\n 1 + xy, 'm'}", "f.tsn:4:6: warning: 'xy'" + text + " 1 + xy, 'm'}\n     ^~\n"},
+      {"{\n [xy], 'm'}", "f.tsn:4:3: warning: 'xy'" + text + " [xy], 'm'};\n  ^~\n"},
+      {"{\n xy, 'm'}", "f.tsn:4:2: warning: 'xy'" + text + " xy, 'm'};\n ^~\n"},
+      {"{\n 1 + xy, 'm'}", "f.tsn:4:6: warning: 'xy'" + text + " 1 + xy, 'm'};\n     ^~\n"},
       {"{\n x, 'm'} + {\n y, 'm'}", // as the builder comes by them, which is from the right
-       "f.tsn:5:2: warning: 'y'" + text + " y, 'm'}\n ^\n" + "f.tsn:4:2: warning: 'x'" + text + " x, 'm'} + {\n ^\n"},
+       "f.tsn:5:2: warning: 'y'" + text + " y, 'm'};\n ^\n" + "f.tsn:4:2: warning: 'x'" + text + " x, 'm'} + {\n ^\n"},
   };
   const TemporaryFolder folder;
   for (const Case& c : cases) {
@@ -229,21 +228,15 @@ TEST(CheckCommand, ReportsOnALongLineAreShort) {
 }
 
 TEST(CheckCommand, FoldersThatCannotBeRead) {
-  // Names that together are longer than a path may be: even the superuser cannot look into the last folders.
+  // Deeper than the process may have files open: even the superuser cannot look into the last folders.
   const TemporaryFolder folder;
   folder.write("a/good.tsn", good);
-  const std::string name(250, 'd');
-  int current = open((folder.path() / "a").c_str(), O_DIRECTORY);
-  for (int i = 0; i < 17; ++i) {
-    ASSERT_EQ(mkdirat(current, name.c_str(), 0700), 0);
-    const int next = openat(current, name.c_str(), O_DIRECTORY);
-    close(current);
-    current = next;
-  }
-  close(current);
-  const ToolResult result = runTool(folder, {"check", "a"});
+  std::filesystem::path deepest = folder.path() / "a";
+  for (int i = 0; i < 40; ++i) deepest /= "d";
+  std::filesystem::create_directories(deepest);
+  const ToolResult result = runBehind(folder, "ulimit -n 24", {"check", "-j1", "a"});
   EXPECT_EQ(result.out, "1 file checked: 0 errors, 0 warnings\n");
-  EXPECT_TRUE(result.error.ends_with("' cannot be read: File name too long\n")) << result.error;
+  EXPECT_TRUE(result.error.ends_with("' cannot be read: Too many open files\n")) << result.error;
   EXPECT_EQ(result.status, 2);
 }
 

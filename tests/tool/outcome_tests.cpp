@@ -86,7 +86,7 @@ TEST(Outcome, SentencesForFailuresWithoutAPlace) {
       {[] { throw nvf::InvalidUtf8(7); }, "invalid UTF-8 at byte 7"},
       {[] { throw nvf::BadGet("tessarin::IfExpr"); }, "refused with nvf::BadGet: tessarin::IfExpr"},
       {[] { boost::throw_exception(std::range_error("too wide")); }, "refused with std::range_error: too wide"},
-      {[] { throw std::bad_alloc(); }, "refused with std::bad_alloc"},
+      {[] { throw std::bad_alloc(); }, "there is not enough memory"},
       {[] { throw 1; }, "refused with int"},
   };
   for (const Case& c : cases) {

@@ -136,4 +136,9 @@ ToolResult runTool(const TemporaryFolder& folder, const std::vector<std::string>
   return runProgram(TSN_EXECUTABLE, folder, arguments, options);
 }
 
+ToolResult runBehind(const TemporaryFolder& folder, const std::string& line, std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), {"-c", line + "; exec \"$0\" \"$@\"", TSN_EXECUTABLE});
+  return runProgram("sh", folder, arguments);
+}
+
 } // namespace tessarin::test

@@ -64,5 +64,7 @@ ToolResult runProgram(const std::string& program, const TemporaryFolder& folder,
 /// Runs the tool in `folder`.
 ToolResult runTool(const TemporaryFolder& folder, const std::vector<std::string>& arguments,
                    const ToolOptions& options = {});
+/// Runs the tool behind a line of the shell, such as one that closes its standard input.
+ToolResult runBehind(const TemporaryFolder& folder, const std::string& line, std::vector<std::string> arguments);
 
 } // namespace tessarin::test

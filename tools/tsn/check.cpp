@@ -51,12 +51,12 @@ CheckedFile check(const std::string& path) {
   return file;
 }
 
-Status checkFiles(const std::vector<std::string>& files, std::size_t jobs, CheckFormat& format) {
+/// `summary` begins with what is known before the first file is read.
+Status checkFiles(const std::vector<std::string>& files, std::size_t jobs, CheckFormat& format, CheckSummary summary) {
   struct Result {
     CheckSummary summary;
     std::function<void()> write;
   };
-  CheckSummary summary;
   forEachInOrder(
       files.size(), jobs,
       [&](std::size_t i) {
@@ -143,9 +143,11 @@ Action check(CLI::App& app) {
                                    [&](const FormatRow& f) { return options->format == f.name; });
     const bool isDocument = row != std::begin(formats);
     if (isDocument) console.beginDocument();
-    const Status status = checkFiles(toCheck.files, options->jobs, *row->make(console));
+    CheckSummary summary;
+    summary.status = toCheck.status;
+    const Status status = checkFiles(toCheck.files, options->jobs, *row->make(console), summary);
     if (isDocument) console.endDocument();
-    return std::max(status, toCheck.status);
+    return status;
   };
 }
 
