@@ -136,8 +136,8 @@ public:
       }
       result_.innermost[i_] = top();
       for (std::size_t t = statement.firstToken; t < statement.lastToken; ++t) {
-        const BlockRole role = statements_.role(t);
-        if (role != BlockRole::None) see(role, t, statement.startsLine && t == statement.firstToken);
+        const WordRole role = statements_.role(t);
+        if (role != WordRole::None) see(role, t, statement.startsLine && t == statement.firstToken);
       }
     }
     while (!stack_.empty()) miss(statements_.text().size());
@@ -161,19 +161,19 @@ private:
   /// Notes where the text comes back to the left of what is open.
   void seeIndent(const Statement& statement) {
     lineIndent_ = statement.column;
-    const BlockRole role = statements_.role(statement.firstToken);
-    const bool belongs = role == BlockRole::Divides || role == BlockRole::Closes;
+    const WordRole role = statements_.role(statement.firstToken);
+    const bool belongs = role == WordRole::Divides || role == WordRole::Closes;
     for (auto open = stack_.rbegin(); open != stack_.rend(); ++open) {
       if (open->dedent != Block::none || open->indent < indent() || (belongs && open->indent == indent())) break;
       open->dedent = i_;
     }
   }
 
-  void see(BlockRole role, std::size_t token, bool atLineHead) {
+  void see(WordRole role, std::size_t token, bool atLineHead) {
     const Kind kind = statements_.tokens()[token].kind;
     switch (role) {
-    case BlockRole::Opens: open(kind, atLineHead); break;
-    case BlockRole::Divides:
+    case WordRole::Opens: open(kind, atLineHead); break;
+    case WordRole::Divides:
       if (atLineHead) divide(kind);
       result_.innermost[i_] = top();
       break;

@@ -361,13 +361,12 @@ private:
     }
   }
 
-  /// The word takes up blanks on its left, so that what follows it stays where it is.
+  /// The word takes up blanks behind it, as far as there are any, and leaves the indentation as it is.
   void replaceWord(const Anomaly& anomaly) {
     Edit edit{anomaly.offset, anomaly.length, nvf::ustring(anomaly.word)};
     if (edit.text.size() < edit.length) edit.text.append(edit.length - edit.text.size(), u' ');
-    while (edit.length < edit.text.size() && edit.offset > 0 && text_[edit.offset - 1] == u' ' &&
-           (edit.offset < 2 || text_[edit.offset - 2] == u' ' || text_[edit.offset - 2] == u'\n')) {
-      --edit.offset;
+    while (edit.length < edit.text.size() && edit.offset + edit.length < text_.size() &&
+           text_[edit.offset + edit.length] == u' ') {
       ++edit.length;
     }
     apply(edit);
@@ -448,7 +447,7 @@ private:
 
   /// A word of structure outside of any block.
   bool maskStray() {
-    if (statements_->role(at(*statement_).firstToken) == BlockRole::Opens) return false;
+    if (statements_->role(at(*statement_).firstToken) == WordRole::Opens) return false;
     maskStatement(*statement_);
     return true;
   }
@@ -458,7 +457,7 @@ private:
     const Statement& statement = at(*statement_);
     const auto tokens = statements_->tokensOf(statement);
     std::size_t t = 0;
-    while (t < tokens.size() && statements_->role(statement.firstToken + t) == BlockRole::None) ++t;
+    while (t < tokens.size() && statements_->role(statement.firstToken + t) == WordRole::None) ++t;
     if (t == tokens.size() || (t > 0 && offset_ <= tokens[t].begin)) return false;
     if (offset_ == tokens[t].begin && fault.place->column) return false;
     std::size_t begin = tokens[t].end;

@@ -32,7 +32,7 @@ bool isTrivia(Kind kind) noexcept {
 }
 
 /// What a word does where it stands outside of brackets; some do it only where the words around them agree.
-BlockRole roleOf(Kind kind) noexcept {
+WordRole roleOf(Kind kind) noexcept {
   switch (kind) {
   case Kind::ELSE:
   case Kind::ELSEIF:
@@ -40,18 +40,18 @@ BlockRole roleOf(Kind kind) noexcept {
   case Kind::IN:
   case Kind::CATCH:
   case Kind::CASE:
-  case Kind::OTHERWISE: return BlockRole::Divides;
-  case Kind::END: return BlockRole::Closes;
+  case Kind::OTHERWISE: return WordRole::Divides;
+  case Kind::END: return WordRole::Closes;
   default:
-    return compiler::core::is_reserved_word(kind) && compiler::core::is_statement_start(kind) ? BlockRole::Opens
-                                                                                              : BlockRole::None;
+    return compiler::core::is_reserved_word(kind) && compiler::core::is_statement_start(kind) ? WordRole::Opens
+                                                                                              : WordRole::None;
   }
 }
 
 /// Whether the word, at the head of a line, shows that a bracket above was never closed.
 bool endsBrackets(Kind kind) noexcept {
   return kind == Kind::EEND ||
-         (roleOf(kind) != BlockRole::None && kind != Kind::IF && kind != Kind::ELSE && kind != Kind::ELSEIF &&
+         (roleOf(kind) != WordRole::None && kind != Kind::IF && kind != Kind::ELSE && kind != Kind::ELSEIF &&
           kind != Kind::LET && kind != Kind::IN && kind != Kind::MODE && kind != Kind::INITIAL && kind != Kind::ENTRY);
 }
 
@@ -71,7 +71,7 @@ State atLineHead(State state) noexcept {
 /// statement ends with its first line, and the lines up to that word, which are read once more, end their brackets.
 class Division {
 public:
-  Division(nvf::ustring_view text, std::vector<CodeToken>& tokens, std::vector<BlockRole>& roles,
+  Division(nvf::ustring_view text, std::vector<CodeToken>& tokens, std::vector<WordRole>& roles,
            std::vector<Statement>& statements, std::optional<std::size_t>& openComment)
       : text_(text),
         tokens_(tokens),
@@ -136,7 +136,7 @@ private:
     if (return_ && atRow_ && endsBrackets(kind) && returnBehindOpenBracket(begin)) return;
     atRow_ = false;
     tokens_.push_back({begin, position_, kind});
-    roles_.push_back(inBrackets ? BlockRole::None : roleOf(kind));
+    roles_.push_back(inBrackets ? WordRole::None : roleOf(kind));
   }
 
   void seeLineEndInBrackets() {
@@ -193,20 +193,20 @@ private:
       const Kind kind = tokens_[i].kind;
       const bool first = i == statement.firstToken;
       const bool last = i + 1 == statement.lastToken;
-      BlockRole& role = roles_[i];
-      if (role == BlockRole::Opens && kind != Kind::IF && kind != Kind::LET && kind != Kind::MODECHART) {
+      WordRole& role = roles_[i];
+      if (role == WordRole::Opens && kind != Kind::IF && kind != Kind::LET && kind != Kind::MODECHART) {
         const bool isName =
             (kind == Kind::MODE && (last || (tokens_[i + 1].kind != Kind::ID && tokens_[i + 1].kind != Kind::LC))) ||
             ((kind == Kind::INITIAL || kind == Kind::ENTRY) && !last);
-        if (!first || isName) role = BlockRole::None;
+        if (!first || isName) role = WordRole::None;
       }
-      statement.hasRole = statement.hasRole || role != BlockRole::None;
+      statement.hasRole = statement.hasRole || role != WordRole::None;
     }
   }
 
   nvf::ustring_view text_;
   std::vector<CodeToken>& tokens_;
-  std::vector<BlockRole>& roles_;
+  std::vector<WordRole>& roles_;
   std::vector<Statement>& statements_;
   std::optional<std::size_t>& openComment_;
   std::unique_ptr<Tokenizer> tokenizer_;
@@ -253,7 +253,7 @@ std::span<const CodeToken> Statements::tokensOf(const Statement& statement) cons
   return std::span(tokens_).subspan(statement.firstToken, statement.lastToken - statement.firstToken);
 }
 
-BlockRole Statements::role(std::size_t i) const noexcept {
+WordRole Statements::role(std::size_t i) const noexcept {
   return roles_[i];
 }
 

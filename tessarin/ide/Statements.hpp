@@ -24,7 +24,7 @@ struct CodeToken {
 };
 
 /// What a token does to the nest of blocks.
-enum class BlockRole : std::uint8_t { None, Opens, Divides, Closes };
+enum class WordRole : std::uint8_t { None, Opens, Divides, Closes };
 
 /// A stretch between two ends of statements: a statement of one line or, with brackets and continuations, of several,
 /// or the head of a block, or its `end`.
@@ -52,7 +52,7 @@ public:
   [[nodiscard]] const std::vector<CodeToken>& tokens() const noexcept { return tokens_; }
   [[nodiscard]] std::span<const CodeToken> tokensOf(const Statement& statement) const noexcept;
   /// What the `i`-th token does.
-  [[nodiscard]] BlockRole role(std::size_t i) const noexcept;
+  [[nodiscard]] WordRole role(std::size_t i) const noexcept;
   [[nodiscard]] nvf::ustring_view textOf(const CodeToken& token) const noexcept {
     return text_.substr(token.begin, token.end - token.begin);
   }
@@ -83,7 +83,7 @@ private:
   nvf::ustring_view text_;
   std::vector<std::size_t> lines_; // where each begins
   std::vector<CodeToken> tokens_;
-  std::vector<BlockRole> roles_;
+  std::vector<WordRole> roles_;
   std::vector<Statement> statements_;
   std::optional<std::size_t> openComment_;
 };

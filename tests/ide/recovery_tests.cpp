@@ -1,4 +1,5 @@
-// All the faults of a text: planted ones are found, on their lines, and little else is told.
+// All the faults of a text: planted ones are found, each once; nothing that is invented on the way shows.
+#include "tessarin/ide/Outline.hpp"
 #include "tessarin/ide/Recovery.hpp"
 
 #include "support/golden.hpp"
@@ -40,7 +41,7 @@ std::string joined(const Lines& lines) {
 const std::vector<SourceFile>& corpus() {
   static const auto files = [] {
     std::vector<SourceFile> result;
-    for (const auto& entry : fs::recursive_directory_iterator(TESSARIN_EXAMPLES)) {
+    for (const auto& entry : fs::recursive_directory_iterator(TESSARIN_SOURCE_DIR "/examples/library")) {
       if (entry.path().extension() != ".tsn") continue;
       SourceFile file{entry.path().filename(), {}};
       std::ifstream stream(entry.path());
@@ -241,6 +242,95 @@ TEST(Recovery, TellsPlantedFaults) {
     return std::string();
   });
   EXPECT_EQ(file.cases().size(), std::size(spoilers) + std::size(structureSpoilers));
+}
+
+// ---- what else holds ----
+
+std::string textOf(const nvf::Range& range) {
+  const auto place = [](const nvf::Location& location) {
+    return std::to_string(location.lineColumn().line() + 1) + ':' + std::to_string(location.lineColumn().column() + 1);
+  };
+  return place(range.begin()) + '-' + place(range.end());
+}
+
+/// Everything that a check finds, a line each.
+std::string reportOf(const std::string& text) {
+  const nvf::SourceBuffer source = bufferOf(text);
+  const ide::CheckResult result = ide::check(source);
+  std::ostringstream out;
+  for (const ide::Finding& fault : result.faults) {
+    out << fault.message.id().id << ' ' << (fault.range ? textOf(*fault.range) : "-");
+    if (fault.suggestion) out << " meant " << nvf::encode_utf8(*fault.suggestion);
+    out << '\n';
+  }
+  for (const nvf::Range& masked : result.masked) out << "masked " << textOf(masked) << '\n';
+  for (const ide::Repair& repair : result.repairs) {
+    out << "read '" << nvf::encode_utf8(repair.text) << "' at " << textOf(repair.range) << '\n';
+  }
+  if (!result.isComplete) out << "incomplete\n";
+  if (!result.file) return out.str() + "no tree\n";
+  const ide::Outline outline = ide::outlineOf(*result.file);
+  for (const auto& [kind, entries] : outline.members) {
+    out << nvf::encode_utf8(kind);
+    for (const auto& entry : entries) out << ' ' << nvf::encode_utf8(entry.name) << ' ' << textOf(entry.range);
+    out << '\n';
+  }
+  for (const auto& function : outline.functions) out << "function " << nvf::encode_utf8(function.function.name) << '\n';
+  for (const auto& section : ide::sectionsOf(source, result)) {
+    out << std::string(2 * section.depth, ' ') << nvf::encode_utf8(section.keyword) << ' ' << textOf(section.range)
+        << '\n';
+  }
+  return out.str();
+}
+
+TEST(Recovery, ReportsWhatItDid) {
+  GoldenFile(TESSARIN_TEST_DATA "/recovery_reports.txt").check([](const GoldenCase& c) { return reportOf(c.source); });
+}
+
+TEST(Recovery, TellsTheFirstFaultOfTheLibraryFirst) {
+  const std::string text = "component tank\n  parameters\n    a = {1, 'm m'};\n    b = ;\n  end\nend\n";
+  const auto all = linesOf(ide::check(bufferOf(text)));
+  EXPECT_EQ(all, (std::vector<std::size_t>{3, 2})); // the parser comes before the builder
+  EXPECT_EQ(linesOf(ide::check(bufferOf(text), {.maxFaults = 1})), std::vector<std::size_t>{3});
+}
+
+TEST(Recovery, TellsSoManyFaultsAndNoMore) {
+  std::string text = "component tank\n  parameters\n";
+  for (int i = 0; i < 30; ++i) text += "    a = ;\n";
+  text += "  end\nend\n";
+  const ide::CheckResult result = ide::check(bufferOf(text));
+  EXPECT_EQ(result.faults.size(), 20U);
+  EXPECT_FALSE(result.isComplete);
+}
+
+TEST(Recovery, WarnsOfWhatStandsBehindAFault) {
+  const ide::CheckResult result = ide::check(bufferOf("component pump\n  parameters\n    b = ;\n  end\n"
+                                                      "  equation\n    a == 1;\n  end\nend\n"));
+  ASSERT_EQ(result.warnings.size(), 2U);
+  EXPECT_EQ(result.warnings[0].message.id().id, "UseOfEquationDeprecated");
+  EXPECT_EQ(result.warnings[1].message.id().id, "InconsistentModelNameAndFileName");
+}
+
+TEST(Recovery, SurvivesHostileTexts) {
+  std::string junk;
+  for (unsigned i = 0, state = 1; i < 200'000; ++i) {
+    state = state * 1664525 + 1013904223;
+    junk += static_cast<char>(1 + (state >> 24U) % 126);
+  }
+  const auto repeated = [](const std::string& head, const std::string& line) {
+    std::string text = "component a\n" + head;
+    for (int i = 0; i < 3000; ++i) text += line;
+    return text + "end\n";
+  };
+  for (const std::string& text :
+       {std::string(), std::string("%{\n"), std::string("end"), std::string(1, '\0'), junk,
+        repeated("parameters\n x = ", "["), repeated("parameters\n", "x = [1\n"), repeated("equations\n", "if a\n"),
+        repeated("", "end\n"), repeated("", "equatins\n  x\n"), repeated("equations\n", " x == (\n")}) {
+    const ide::CheckResult result = ide::check(bufferOf(text));
+    EXPECT_FALSE(result.failure);
+    EXPECT_LE(result.faults.size(), 20U);
+    static_cast<void>(ide::sectionsOf(bufferOf(text), result));
+  }
 }
 
 } // namespace
