@@ -25,7 +25,8 @@ std::string seenIn(nvf::ustring_view text) {
 }
 
 TEST(FileWalk, ShowsKindAfterKindAndLocalFunctionsByName) {
-  EXPECT_EQ(seenIn(uR"(component a < b(c = 1)
+  EXPECT_EQ(
+      seenIn(uR"(component a < b(c = 1)
   equations
     x == 2;
     if t > 3, y == 4; else y == 5; end
@@ -50,7 +51,7 @@ function r = f()
   end
 end
 )"),
-            "c 1 declarations 8 equation x == 2 equation if t > 3 y == 4 else y == 5 end p > 5 declarations 6 7 9 10 ");
+      "c 1 declarations 8 equation x == 2 equation if t > 3, y == 4; else y == 5; end p > 5 declarations 6 7 9 10 ");
 }
 
 } // namespace

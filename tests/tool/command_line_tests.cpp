@@ -111,11 +111,13 @@ LARGE_TEST(CommandLine, MemoryThatEnds) {
   // From where the tool does not start up to where the answer is there: a document is whole, or there is none.
   int refusals = 0;
   int answers = 0;
-  for (int megabytes = 10; megabytes <= 1200 && answers == 0; megabytes += megabytes / 5) {
+  for (int megabytes = 8; megabytes <= 1200 && answers == 0; megabytes += megabytes / 8) {
     const std::string line = "ulimit -v " + std::to_string(megabytes * 1024);
     for (const std::string command : {"ast", "tree", "check"}) {
       const ToolResult result = runBehind(folder, line, {command, "--json", "f.tsn"});
       if (result.status == 127) break; // not started
+      // Tables of the libraries are made before the tool's own first line.
+      if (result.status == 134 && refusals == 0 && result.out.empty()) break;
       const bool isWhole = result.out.ends_with("}\n") && nlohmann::json::accept(result.out);
       if (result.out.find("there is not enough memory") != std::string::npos) {
         EXPECT_TRUE(isWhole) << command << megabytes;

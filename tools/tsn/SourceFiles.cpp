@@ -19,11 +19,6 @@ bool isSourceFile(const fs::directory_entry& entry) {
   return mayBeRead && entry.path().native().ends_with(".tsn");
 }
 
-bool isRealDirectory(const fs::directory_entry& entry) {
-  std::error_code ignored;
-  return entry.symlink_status(ignored).type() == fs::file_type::directory;
-}
-
 } // namespace
 
 FilesBelow filesBelow(const fs::path& directory) {
@@ -35,10 +30,13 @@ FilesBelow filesBelow(const fs::path& directory) {
     std::error_code failure;
     for (fs::directory_iterator entry(current, failure); !failure && entry != fs::directory_iterator();
          entry.increment(failure)) {
-      if (isRealDirectory(*entry)) {
+      std::error_code unknown;
+      if (entry->symlink_status(unknown).type() == fs::file_type::directory) {
         open.push_back(entry->path());
       } else if (isSourceFile(*entry)) {
         found.files.push_back(entry->path().native());
+      } else if (unknown) { // it may be a folder with files
+        found.unreadable.emplace_back(entry->path().native(), unknown);
       }
     }
     if (failure) found.unreadable.emplace_back(current.native(), failure);
