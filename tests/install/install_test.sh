@@ -77,7 +77,7 @@ done
 model=$examples/library/control/pid.tsn
 cat >"$work/expected" <<'TEXT'
 integral  29:9
-filtered  30:12
+filtered  30:14
 TEXT
 run "$work/cmake/program/states" "$model" | diff "$work/expected" - || fail "the program that CMake has built"
 run LD_LIBRARY_PATH="$library" "$work/states" "$model" | diff "$work/expected" - || fail "the program that pkg-config has built"
