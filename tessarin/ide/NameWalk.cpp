@@ -441,7 +441,7 @@ private:
   /// An end of a branch or of a connection.
   template <class Union>
   void walkEnd(const Union& end) {
-    end.visit([this](const auto& alternative) {
+    end.visit([&](const auto& alternative) {
       using Alternative = std::decay_t<decltype(alternative)>;
       if constexpr (std::is_same_v<Alternative, Expr>) {
         walk(alternative);

@@ -45,7 +45,7 @@ struct Repair {
   /// one without a fault.
   enum class Kind { InsertedEnd, DroppedEnd, ReplacedWord, ReplacedHead };
 
-  Kind kind = Kind::InsertedEnd;
+  Kind kind = Kind::InsertedEnd; ///< What was done.
   /// What was replaced, or the place of the insertion, in the text as it is.
   nvf::Range range;
   /// What was read in its place.

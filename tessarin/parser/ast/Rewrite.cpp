@@ -37,7 +37,7 @@ public:
     } else if constexpr (std::same_as<T, NamedArgumentName>) {
       return std::nullopt; // names stay, as in an argument list inside an expression
     } else if constexpr (nvf::IsTaggedUnion<T>) {
-      return part.visit([this](const auto& alternative) { return wrapped<T>(change(alternative)); });
+      return part.visit([&](const auto& alternative) { return wrapped<T>(change(alternative)); });
     } else if constexpr (IsNode<T>) {
       return nvf::detail::walk<T>([&] { return changeOfFields(part); });
     } else if constexpr (isHandle<T>) {
@@ -47,7 +47,7 @@ public:
       auto changed = change(*part);
       return changed ? std::optional<T>(T(std::move(*changed))) : std::nullopt;
     } else if constexpr (nvf::detail::Variant<T>) {
-      return std::visit([this](const auto& alternative) { return wrapped<T>(change(alternative)); }, part);
+      return std::visit([&](const auto& alternative) { return wrapped<T>(change(alternative)); }, part);
     } else if constexpr (nvf::detail::isExpressions<T>) {
       const std::vector<typename T::value_type> elements(part.begin(), part.end());
       auto changed = change(elements);

@@ -60,7 +60,7 @@ public:
     if constexpr (std::invocable<Function&, Exactly<Expr>>) {
       return resultOf(std::invoke(function_, std::as_const(rewritten)), rewritten);
     } else {
-      return rewritten.visit([this, &rewritten](const auto& alternative) -> Expr {
+      return rewritten.visit([&](const auto& alternative) -> Expr {
         using Alternative = std::decay_t<decltype(alternative)>;
         if constexpr (std::invocable<Function&, Exactly<Alternative>>) {
           return resultOf(std::invoke(function_, alternative), rewritten);
@@ -93,7 +93,8 @@ concept IsRewritable = requires(const T& value, ExprTransformVisitor& visitor) {
 
 /// Rewrites with a function: each expression becomes what the function gives for it. It sees expressions behind their
 /// parts; it is not told which names a `let` around them declares.
-template <IsRewritable T, ExprFunction Function>
+template <class T, ExprFunction Function> // the function first: only with one does the other question end
+requires IsRewritable<T>
 [[nodiscard]] T rewrite(const T& value, Function&& function) {
   detail::FunctionRewriter<std::remove_reference_t<Function>> visitor(function);
   return rewrite(value, static_cast<ExprTransformVisitor&>(visitor));

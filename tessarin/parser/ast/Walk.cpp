@@ -49,7 +49,7 @@ private:
     if constexpr (std::same_as<T, Subscript>) {
       return value.expr() == nullptr || node(*value.expr());
     } else if constexpr (nvf::IsTaggedUnion<T>) {
-      return value.visit([this](const auto& alternative) { return field(alternative); });
+      return value.visit([&](const auto& alternative) { return field(alternative); });
     } else {
       return nvf::detail::walk<T>([&] { return field(value.tuple()); });
     }
@@ -64,9 +64,9 @@ private:
     } else if constexpr (nvf::detail::Optional<T>) {
       return !value || field(*value);
     } else if constexpr (nvf::detail::Variant<T>) {
-      return std::visit([this](const auto& alternative) { return field(alternative); }, value);
+      return std::visit([&](const auto& alternative) { return field(alternative); }, value);
     } else if constexpr (nvf::detail::Tuple<T>) {
-      return std::apply([this](const auto&... element) { return (field(element) && ...); }, value);
+      return std::apply([&](const auto&... element) { return (field(element) && ...); }, value);
     } else if constexpr (nvf::detail::Sequence<T>) {
       for (const auto& element : value) {
         if (!field(element)) return false;

@@ -60,8 +60,10 @@ TESSARIN_EXPORT std::ostream& operator<<(std::ostream& stream, const Finding& fi
 class TESSARIN_EXPORT ParseResult {
 public:
   /// Whether there is a file.
+  /// @{
   [[nodiscard]] bool ok() const noexcept { return file_.has_value(); }
   explicit operator bool() const noexcept { return ok(); }
+  /// @}
   /// The file; there must be one.
   /// @{
   [[nodiscard]] const TSNFile& operator*() const noexcept { return *file_; }
