@@ -54,12 +54,13 @@ void StatementLayout::run(std::span<const Element> elements, bool isWritten) {
 }
 
 std::size_t StatementLayout::indentOf(const Element& element) const noexcept {
-  const Kind kind = element.type == Element::Type::Token ? pieces_[element.piece].kind : Kind::EMPTY;
+  const bool isToken = element.type == Element::Type::Token && element.piece != none;
+  const Kind kind = isToken ? pieces_[element.piece].kind : Kind::EMPTY;
   return blocks_.indentOf(blocks_.roleOf(kind), kind, step_);
 }
 
 bool StatementLayout::closes(const Element& element) const noexcept {
-  if (element.type != Element::Type::Token) return false;
+  if (element.type != Element::Type::Token || element.piece == none) return false;
   const BlockRole role = blocks_.roleOf(pieces_[element.piece].kind);
   return role == BlockRole::Middle || role == BlockRole::End;
 }

@@ -66,9 +66,11 @@ void FlatTree::reserveFor(std::size_t units) {
 }
 
 void FlatTree::shrink() {
-  tokens_.shrink_to_fit();
-  nodes_.shrink_to_fit();
-  children_.shrink_to_fit();
+  // Not `shrink_to_fit`, which keeps it to itself where memory has ended.
+  const auto fit = []<class T>(std::vector<T>& list) { std::vector<T>(list.begin(), list.end()).swap(list); };
+  fit(tokens_);
+  fit(nodes_);
+  fit(children_);
 }
 
 void FlatTree::grow(Node& node) {
