@@ -82,7 +82,7 @@ TEXT
 run "$work/cmake/program/states" "$model" | diff "$work/expected" - || fail "the program that CMake has built"
 run LD_LIBRARY_PATH="$library" "$work/states" "$model" | diff "$work/expected" - || fail "the program that pkg-config has built"
 run "$work/cmake/program/inline_parameters" "$examples/library/electrical/ladder.tsn" >"$work/ladder.tsn"
-grep -q 'for k = 1:4' "$work/ladder.tsn" || fail "a constant parameter is not inlined"
+grep -q 'for k = 1 : 4' "$work/ladder.tsn" || fail "a constant parameter is not inlined"
 "$prefix/bin/tsn" check "$work/ladder.tsn" >/dev/null || fail "what is inlined does not read back"
 run "$work/cmake/program/structure_graph" "$examples/library/mechanical/spring_damper.tsn" |
   grep -qF '"B.t" -> "F.t" [label="t"];' || fail "a branch is not drawn"
