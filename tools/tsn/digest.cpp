@@ -1,6 +1,6 @@
 // tsn digest: the expressions of a file with what identifies them.
 
-#include "Digest.hpp"
+#include "tessarin/foundation/digest.hpp"
 
 #include "tessarin/ide/FileWalk.hpp"
 #include "tessarin/ide/Stages.hpp"
@@ -32,7 +32,7 @@ std::vector<core::Expr> expressionsOf(const Source& source) {
 /// Writes `[text, user text, digest, [line, column, end line, end column]]`, places from 0.
 void writeRow(JsonWriter& json, const core::Expr& expr) {
   json.beginArray();
-  json.string(core::to_string(expr)).string(core::to_user_string(expr)).word(hexDigest(expr));
+  json.string(core::to_string(expr)).string(core::to_user_string(expr)).word(nvf::digest_hex(expr));
   writeJson(json, core::expr_range(expr));
   json.endArray();
 }
@@ -41,7 +41,7 @@ constexpr FileAnswer digestAnswer{
     .text =
         [](const Source& source, std::ostream& out) {
           for (const core::Expr& expr : expressionsOf(source)) {
-            out << hexDigest(expr) << "  " << escaped(core::to_string(expr)) << '\n';
+            out << nvf::digest_hex(expr) << "  " << escaped(core::to_string(expr)) << '\n';
           }
         },
     .json = [](const Source& source) -> std::function<void(JsonWriter&)> {

@@ -1,9 +1,9 @@
 // tsn expr: one expression from the command line.
 
+#include "tessarin/foundation/digest.hpp"
 #include "tessarin/parser/builder/StringEntries.hpp"
 
 #include "Command.hpp"
-#include "Digest.hpp"
 #include "Dump.hpp"
 #include "JsonWriter.hpp"
 #include "Outcome.hpp"
@@ -58,7 +58,7 @@ void writeText(const Outcome& outcome, const ExprOptions& options, Console& cons
   if (outcome.failure) {
     console.report(Report("<expression>", std::nullopt, console.errorHasColours()).failure(*outcome.failure));
   } else if (options.digest) {
-    console.out() << hexDigest(*outcome.expr) << '\n';
+    console.out() << nvf::digest_hex(*outcome.expr) << '\n';
   } else {
     writeText(console, [&](std::ostream& out) {
       out << nvf::encode_utf8(options.user ? core::to_user_string(*outcome.expr) : core::to_string(*outcome.expr))
@@ -77,7 +77,7 @@ void writeJson(const Outcome& outcome, Console& console) {
     json.key("expr").beginObject();
     json.key("text").string(core::to_string(*outcome.expr));
     json.key("user").string(core::to_user_string(*outcome.expr));
-    json.key("digest").word(hexDigest(*outcome.expr));
+    json.key("digest").word(nvf::digest_hex(*outcome.expr));
     json.key("tree");
     JsonSink sink(json, linesBefore);
     dump(sink, *outcome.expr);
